@@ -1,0 +1,15 @@
+# Warning and sanitizer flags shared by every target of the project.
+add_library(velmor_warnings INTERFACE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  target_compile_options(velmor_warnings INTERFACE -Wall -Wextra)
+  if(VELMOR_WERROR)
+    target_compile_options(velmor_warnings INTERFACE -Werror)
+  endif()
+elseif(MSVC)
+  target_compile_options(velmor_warnings INTERFACE /W4 $<$<BOOL:${VELMOR_WERROR}>:/WX>)
+endif()
+
+if(VELMOR_SANITIZE)
+  add_compile_options(-fsanitize=${VELMOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${VELMOR_SANITIZE})
+endif()

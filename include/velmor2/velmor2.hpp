@@ -1,0 +1,4 @@
+// Every public header of velmor_core.
+#pragma once
+
+#include <velmor2/path.hpp>

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Builds with warnings as errors and runs every test, then again under AddressSanitizer and
+# UndefinedBehaviorSanitizer.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+bash scripts/setup.sh
+jobs=$(nproc)
+
+cmake -S . -B build/check -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMOR_WERROR=ON \
+  -DVELMOR_BUILD_BENCH=ON
+cmake --build build/check --parallel "$jobs"
+ctest --test-dir build/check --output-on-failure --parallel "$jobs"
+
+cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON \
+  -DCMAKE_CXX_COMPILER=clang++ -DVELMOR_SANITIZE=address,undefined
+cmake --build build/sanitize --parallel "$jobs"
+ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"

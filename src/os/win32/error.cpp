@@ -1,0 +1,37 @@
+// GetLastError() to the library's error kinds, in one place.
+#include "os/error.hpp"
+
+#include <windows.h>
+
+namespace velmor2::_internal::os {
+
+error_kind_t last_error() {
+    switch (GetLastError()) {
+    case ERROR_SUCCESS:
+        return error_kind_t::none;
+    case ERROR_FILE_NOT_FOUND:
+        return error_kind_t::not_found;
+    case ERROR_PATH_NOT_FOUND:
+        return error_kind_t::path_not_found;
+    case ERROR_ALREADY_EXISTS:
+    case ERROR_FILE_EXISTS:
+    case ERROR_DIR_NOT_EMPTY:
+        return error_kind_t::already_exists;
+    case ERROR_ACCESS_DENIED:
+        return error_kind_t::access_denied;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+        return error_kind_t::sharing_violation;
+    case ERROR_NOT_READY:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+        return error_kind_t::not_ready;
+    case ERROR_INVALID_PARAMETER:
+    case ERROR_INVALID_NAME:
+        return error_kind_t::bad_name;
+    default:
+        return error_kind_t::other;
+    }
+}
+
+} // namespace velmor2::_internal::os

@@ -1,0 +1,206 @@
+// Hand-written recursive descent over the path grammar.
+//
+//   path           = blank* [long_prefix] (network_start | absolute_start | relative_start)
+//                    (separator* name)* separator* blank*
+//   long_prefix    = separator separator '?' separator
+//   network_start  = separator separator name          (UNC: server = name)
+//   absolute_start = letter ':' | separator [name]     (drive | POSIX root)
+//   relative_start = ".." || "." || name                (name always wins: it matches as much)
+//   name           = (any - separator - '|' '>' '<' ':' '"' [wildcard])+
+//
+// Choices are ordered and never revisited, and actions are not undone when a choice fails:
+// the letter of a failed drive is kept (`usr/lib` leaves drive `u`). Where the parse fails
+// outright, the stop position is where a combinator parser leaves its cursor: one past an
+// invalid first character.
+#include "path/grammar.hpp"
+
+namespace velmor2::_internal {
+namespace {
+
+bool is_separator(wchar_t c) { return c == L'\\' || c == L'/'; }
+bool is_blank(wchar_t c) { return c == L' ' || c == L'\t'; }
+bool is_letter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
+
+class parser_t {
+public:
+    parser_t(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
+             bool forbid_wildcards)
+        : p_(begin), end_(end), out_(out), forbid_wildcards_(forbid_wildcards) {}
+
+    // Runs the `path` rule; false when its start fails. `p_` is left where the rule stopped.
+    bool parse() {
+        while (p_ != end_ && is_blank(*p_)) {
+            ++p_;
+        }
+        if (long_prefix()) {
+            out_.posix = false;
+        }
+        if (!network_start() && !absolute_start() && !relative_start()) {
+            return false;
+        }
+        for (;;) {
+            const wchar_t* save = p_;
+            skip_separators();
+            if (!name()) {
+                p_ = save;
+                break;
+            }
+        }
+        skip_separators();
+        while (p_ != end_ && is_blank(*p_)) {
+            ++p_;
+        }
+        return true;
+    }
+
+    const wchar_t* position() const { return p_; }
+
+private:
+    bool is_name_char(wchar_t c) const {
+        switch (c) {
+        case L'\\':
+        case L'/':
+        case L'|':
+        case L'>':
+        case L'<':
+        case L':':
+        case L'"':
+            return false;
+        case L'*':
+        case L'?':
+            return !forbid_wildcards_;
+        default:
+            return true;
+        }
+    }
+
+    void skip_separators() {
+        while (p_ != end_ && is_separator(*p_)) {
+            ++p_;
+        }
+    }
+
+    // The name rule with its action. A failure on a character that is not a name character
+    // consumes it, as the combinator's difference parser does.
+    bool name(std::wstring* copy_to = nullptr) {
+        const wchar_t* start = p_;
+        while (p_ != end_ && is_name_char(*p_)) {
+            ++p_;
+        }
+        if (p_ == start) {
+            if (p_ != end_) {
+                ++p_;
+            }
+            return false;
+        }
+        out_.components.emplace_back(start, p_);
+        if (copy_to != nullptr) {
+            *copy_to = out_.components.back();
+        }
+        return true;
+    }
+
+    bool long_prefix() {
+        if (end_ - p_ >= 4 && is_separator(p_[0]) && is_separator(p_[1]) && p_[2] == L'?' &&
+            is_separator(p_[3])) {
+            p_ += 4;
+            return true;
+        }
+        return false;
+    }
+
+    bool network_start() {
+        const wchar_t* save = p_;
+        if (end_ - p_ >= 2 && is_separator(p_[0]) && is_separator(p_[1])) {
+            p_ += 2;
+            std::wstring server;
+            if (name(&server)) {
+                out_.server = std::move(server);
+                out_.posix = false;
+                out_.network = true;
+                out_.absolute = true;
+                return true;
+            }
+        }
+        p_ = save;
+        return false;
+    }
+
+    bool absolute_start() {
+        if (p_ != end_ && is_letter(*p_)) {
+            out_.drive.assign(1, *p_);
+            if (end_ - p_ >= 2 && p_[1] == L':') {
+                p_ += 2;
+                out_.posix = false;
+                out_.absolute = true;
+                return true;
+            }
+        }
+        if (p_ != end_ && is_separator(*p_)) {
+            ++p_;
+            const wchar_t* save = p_;
+            if (!name()) {
+                p_ = save;
+            }
+            out_.windows = false;
+            out_.absolute = true;
+            return true;
+        }
+        return false;
+    }
+
+    bool relative_start() {
+        if (!name()) {
+            return false;
+        }
+        out_.relative = true;
+        return true;
+    }
+
+    const wchar_t* p_;
+    const wchar_t* end_;
+    path_internal_t<std::wstring>& out_;
+    bool forbid_wildcards_;
+};
+
+bool is_quote(wchar_t c) { return c == L'\'' || c == L'"'; }
+
+} // namespace
+
+path_internal_t<std::wstring> name_model(const std::wstring& name) {
+    path_internal_t<std::wstring> model;
+    model.components.push_back(name);
+    model.relative = model.windows = model.posix = true;
+    if (!name.empty() && is_letter(name[0])) {
+        model.drive.assign(1, name[0]);
+    }
+    return model;
+}
+
+bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out,
+                bool forbid_wildcards, int& stop_position) {
+    out.components.clear();
+    out.relative = out.absolute = out.network = false;
+    out.drive.clear();
+    out.server.clear();
+    out.windows = out.posix = true;
+
+    const wchar_t* begin = text.data();
+    const wchar_t* end = begin + text.size();
+    while (begin != end && is_quote(*begin)) {
+        ++begin;
+    }
+    while (end != begin && is_quote(end[-1])) {
+        --end;
+    }
+    parser_t parser(begin, end, out, forbid_wildcards);
+    const bool hit = parser.parse();
+    if (hit && parser.position() == end) {
+        stop_position = -1;
+        return true;
+    }
+    stop_position = static_cast<int>(parser.position() - begin);
+    return false;
+}
+
+} // namespace velmor2::_internal

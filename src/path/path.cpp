@@ -1,0 +1,202 @@
+// path_t: construction, composition, normalisation and comparison on the parsed model.
+#include "path/grammar.hpp"
+#include "text/convert.hpp"
+
+#include <locale>
+#include <utility>
+
+namespace velmor2 {
+namespace {
+
+using model_t = _internal::path_internal_t<std::wstring>;
+
+// Case-insensitive comparison with the global locale's upper-casing.
+class same_text_t {
+public:
+    same_text_t() : locale_(), ctype_(std::use_facet<std::ctype<wchar_t>>(locale_)) {}
+
+    bool operator()(const std::wstring& a, const std::wstring& b) const {
+        if (a.size() != b.size()) {
+            return false;
+        }
+        for (std::size_t i = 0; i < a.size(); ++i) {
+            if (a[i] != b[i] && ctype_.toupper(a[i]) != ctype_.toupper(b[i])) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    std::locale locale_;
+    const std::ctype<wchar_t>& ctype_;
+};
+
+bool same_form(const model_t& a, const model_t& b) {
+    return a.relative == b.relative && a.windows == b.windows && a.posix == b.posix &&
+           a.absolute == b.absolute && a.network == b.network;
+}
+
+} // namespace
+
+path_t::path_t() = default;
+
+path_t::path_t(const std::wstring& text) {
+    model_t parsed;
+    int stop_position;
+    if (_internal::parse_path(text, parsed, false, stop_position)) {
+        path_ = std::move(parsed);
+    }
+}
+
+path_t::path_t(const wchar_t* text) : path_t(text == nullptr ? std::wstring() : std::wstring(text)) {}
+
+path_t::path_t(const path_t& other) { assign(other); }
+
+path_t::path_t(path_t&& other) noexcept : path_(std::move(other.path_)) { other.path_ = model_t(); }
+
+path_t& path_t::operator=(const path_t& other) {
+    assign(other);
+    return *this;
+}
+
+path_t& path_t::operator=(path_t&& other) noexcept {
+    if (this != &other) {
+        path_ = std::move(other.path_);
+        other.path_ = model_t();
+    }
+    return *this;
+}
+
+path_t::~path_t() = default;
+
+bool path_t::is_posix() const { return path_.posix; }
+bool path_t::is_windows() const { return path_.windows; }
+bool path_t::is_absolute() const { return path_.absolute; }
+bool path_t::is_drive_path() const { return path_.windows && path_.absolute && !path_.network; }
+bool path_t::is_empty() const { return as_string().empty(); }
+wchar_t path_t::get_separator_char() { return L'\\'; }
+
+bool path_t::assign(const path_t& other) { return assign(other.path_); }
+
+bool path_t::assign(const model_t& model) {
+    if (&model != &path_) {
+        path_ = model;
+    }
+    return true;
+}
+
+bool path_t::assign(const std::list<std::wstring>& parts) {
+    path_t joined;
+    for (const std::wstring& part : parts) {
+        model_t parsed;
+        int stop_position;
+        if (!_internal::parse_path(part, parsed, false, stop_position) || !joined.append(parsed)) {
+            path_ = model_t();
+            return false;
+        }
+    }
+    path_ = std::move(joined.path_);
+    return true;
+}
+
+bool path_t::append(const path_t& other) { return append(other.path_); }
+
+bool path_t::append(const model_t& model) {
+    if (model.absolute || model.network) {
+        return false;
+    }
+    if (is_empty()) {
+        return assign(model);
+    }
+    path_.components.insert(path_.components.end(), model.components.begin(),
+                            model.components.end());
+    return true;
+}
+
+bool path_t::normalize() {
+    auto& components = path_.components;
+    components.remove(L".");
+    for (auto it = components.begin(); it != components.end();) {
+        if (*it == L".." && it != components.begin() && *std::prev(it) != L"..") {
+            components.erase(std::prev(it));
+            it = components.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    return true;
+}
+
+path_t path_t::get_relative(const path_t& other) const {
+    if (as_string().empty()) {
+        return other;
+    }
+    if (other.as_string().empty()) {
+        return *this;
+    }
+    if (!same_form(path_, other.path_)) {
+        return path_t();
+    }
+    const same_text_t same;
+    auto mine = path_.components.begin();
+    auto theirs = other.path_.components.begin();
+    while (mine != path_.components.end() && theirs != other.path_.components.end() &&
+           same(*mine, *theirs)) {
+        ++mine;
+        ++theirs;
+    }
+    // The difference of the two remainders, not the remainder of `other` alone.
+    const auto rest_other = std::distance(theirs, other.path_.components.end());
+    const auto rest_this = std::distance(mine, path_.components.end());
+    path_t result;
+    const model_t up = _internal::name_model(L"..");
+    for (auto n = rest_other - rest_this; n > 0; --n) {
+        result.append(up);
+    }
+    for (; mine != path_.components.end(); ++mine) {
+        result.append(_internal::name_model(*mine));
+    }
+    result.normalize();
+    if (result.as_string().empty()) {
+        result.append(_internal::name_model(L"."));
+    }
+    return result;
+}
+
+void path_t::to_lower() {
+    for (std::wstring& component : path_.components) {
+        component = _internal::tolower(component);
+    }
+}
+
+bool path_t::operator==(const path_t& other) const {
+    if (!same_form(path_, other.path_)) {
+        return false;
+    }
+    const same_text_t same;
+    if (!same(path_.server, other.path_.server) || !same(path_.drive, other.path_.drive) ||
+        path_.components.size() != other.path_.components.size()) {
+        return false;
+    }
+    return std::equal(path_.components.begin(), path_.components.end(),
+                      other.path_.components.begin(), same);
+}
+
+bool path_t::operator!=(const path_t& other) const { return !(*this == other); }
+
+bool path_t::operator<(const path_t& other) const { return as_string() < other.as_string(); }
+
+path_t make_path(const std::wstring& text) {
+    path_t path(_internal::to_ustring(text));
+    path.normalize();
+    return path;
+}
+
+path_t make_path(const std::string& text) {
+    path_t path(_internal::to_ustring(text));
+    path.normalize();
+    return path;
+}
+
+} // namespace velmor2
