@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config libboost1.81-dev libboost-filesystem1.81-dev libxml2-dev
-  zlib1g-dev googletest libgtest-dev libbenchmark-dev libssl-dev clang libclang-rt-14-dev)
+  zlib1g-dev dpkg-dev googletest libgtest-dev libbenchmark-dev libssl-dev clang libclang-rt-14-dev)
 
 missing=()
 for package in "${packages[@]}"; do
@@ -22,5 +22,5 @@ if [ "$(id -u)" -ne 0 ]; then
   sudo="sudo"
 fi
 echo "setup: installing ${missing[*]}"
-$sudo apt-get update -qq
-DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null
+$sudo apt-get -o DPkg::Lock::Timeout=600 update -qq
+DEBIAN_FRONTEND=noninteractive $sudo apt-get -o DPkg::Lock::Timeout=600 install -y -qq --no-install-recommends "${missing[@]}" </dev/null

@@ -17,3 +17,4 @@ cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON \
 cmake --build build/sanitize --parallel "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"
+bash scripts/check_package.sh

@@ -17,23 +17,37 @@ const wchar_t* const examples[] = {
     L"\"C:\\quoted path\\x\"",
 };
 
-std::wstring form_of(const velmor2::path_t& path) {
+// The root element of `as_string_list` tells drive and server apart.
+struct parts_t {
+    std::wstring form;
+    std::wstring drive;
+    std::wstring server;
+    std::list<std::wstring> components;
+};
+
+parts_t split(const velmor2::path_t& path) {
+    parts_t parts;
+    parts.components = path.as_string_list();
     if (path.is_empty()) {
-        return L"empty";
+        parts.form = L"empty";
+    } else if (!path.is_absolute()) {
+        parts.form = path.is_posix() ? L"relative" : L"relative, Windows (long-path prefix)";
+    } else if (!path.is_windows()) {
+        parts.form = L"POSIX";
+        parts.components.pop_front();
+    } else if (parts.components.front().rfind(L"\\\\", 0) == 0) {
+        parts.form = L"UNC";
+        parts.server = parts.components.front().substr(2);
+        parts.components.front() = parts.server;
+    } else {
+        parts.form = L"Windows";
+        parts.drive = parts.components.front().substr(0, 1);
+        parts.components.pop_front();
     }
-    std::wstring form = path.is_absolute() ? L"absolute" : L"relative";
-    if (path.is_windows() && path.is_posix()) {
-        return form + L", Windows or POSIX";
-    }
-    if (path.is_posix()) {
-        return form + L", POSIX";
-    }
-    const std::list<std::wstring> parts = path.as_string_list();
-    if (path.is_absolute() && !parts.empty() && parts.front().rfind(L"\\\\", 0) == 0) {
-        return form + L", Windows UNC";
-    }
-    return form + L", Windows";
+    return parts;
 }
+
+std::wstring or_none(const std::wstring& text) { return text.empty() ? L"(none)" : text; }
 
 void describe(const std::wstring& text) {
     out(L"text:        " + text + L"\n");
@@ -44,23 +58,17 @@ void describe(const std::wstring& text) {
         out(L"valid:       no, first bad character at " + std::to_wstring(stop) + L"\n");
     }
     const velmor2::path_t path(text);
-    out(L"form:        " + form_of(path) + L"\n");
-    if (!path.is_empty()) {
-        const std::list<std::wstring> parts = path.as_string_list();
-        std::wstring root = L"(none)";
-        if (path.is_absolute() && !parts.empty() && (path.is_windows() || parts.front() == L"\\")) {
-            root = parts.front();
-        }
-        out(L"root:        " + root + L"\n");
-        std::wstring components;
-        for (const std::wstring& part : parts) {
-            components += L"[" + part + L"]";
-        }
-        out(L"parts:       " + components + L"\n");
+    const parts_t parts = split(path);
+    std::wstring components;
+    for (const std::wstring& component : parts.components) {
+        components += L"[" + component + L"]";
     }
-    velmor2::path_t normalised = velmor2::make_path(text);
+    out(L"form:        " + parts.form + L"\n");
+    out(L"drive:       " + or_none(parts.drive) + L"\n");
+    out(L"server:      " + or_none(parts.server) + L"\n");
+    out(L"components:  " + or_none(components) + L"\n");
     out(L"printed:     " + path.as_string() + L"\n");
-    out(L"normalised:  " + normalised.as_string() + L"\n");
+    out(L"normalised:  " + velmor2::make_path(text).as_string() + L"\n");
     out(L"native:      " + path.as_native_string() + L"\n\n");
 }
 
