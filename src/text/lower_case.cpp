@@ -201,30 +201,42 @@ constexpr lower_run_t lower_runs[] = {
     {0x1E900, 0x1E921, 34, 1},
 };
 
-} // namespace
-
-wchar_t tolower(wchar_t c) {
-    const char32_t code = static_cast<char32_t>(c);
+char32_t lower_code(char32_t code) {
     if (code < 0x80) {
-        return code >= 'A' && code <= 'Z' ? static_cast<wchar_t>(code + 32) : c;
+        return code >= 'A' && code <= 'Z' ? code + 32 : code;
     }
     const auto* run = std::upper_bound(
         std::begin(lower_runs), std::end(lower_runs), code,
         [](char32_t value, const lower_run_t& r) { return value < r.first; });
     if (run == std::begin(lower_runs)) {
-        return c;
+        return code;
     }
     --run;
     if (code > run->last || (code - run->first) % run->stride != 0) {
-        return c;
+        return code;
     }
-    return static_cast<wchar_t>(static_cast<int>(code) + run->delta);
+    return static_cast<char32_t>(static_cast<int>(code) + run->delta);
 }
+
+} // namespace
+
+wchar_t tolower(wchar_t c) { return static_cast<wchar_t>(lower_code(static_cast<char32_t>(c))); }
 
 std::wstring tolower(const std::wstring& text) {
     std::wstring out(text);
-    for (wchar_t& c : out) {
-        c = tolower(c);
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const char32_t unit = static_cast<char32_t>(out[i]);
+        // Where wide text is UTF-16, characters above U+FFFF are mapped as whole pairs.
+        if (sizeof(wchar_t) == 2 && unit >= 0xD800 && unit <= 0xDBFF && i + 1 < out.size() &&
+            out[i + 1] >= 0xDC00 && out[i + 1] <= 0xDFFF) {
+            const char32_t code = 0x10000 + ((unit - 0xD800) << 10) + (out[i + 1] - 0xDC00);
+            const char32_t lower = lower_code(code) - 0x10000;
+            out[i] = static_cast<wchar_t>(0xD800 + (lower >> 10));
+            out[i + 1] = static_cast<wchar_t>(0xDC00 + (lower & 0x3FF));
+            ++i;
+        } else {
+            out[i] = static_cast<wchar_t>(lower_code(unit));
+        }
     }
     return out;
 }

@@ -81,6 +81,7 @@ TEST(lower_case, ignores_the_process_locale) {
         std::setlocale(LC_ALL, locale);
         EXPECT_EQ(tolower(std::wstring(L"\u00c4\u03a3IZ\u0130\u0401")), L"\u00e4\u03c3iz\u0069\u0451");
         EXPECT_EQ(tolower(std::wstring(L"already lower 123")), L"already lower 123");
+        EXPECT_EQ(tolower(std::wstring(L"\U00010400x")), L"\U00010428x");
     }
     std::setlocale(LC_ALL, saved.c_str());
 }
