@@ -20,15 +20,16 @@ VELMOR_API bool create_directory(const path_t& dir);
 
 /// Removes the directory `dir`; false when it is empty, missing or not a directory.
 /// Not recursive: only an empty directory goes. Recursive: its files are deleted (read-only
-/// ones too), its sub-directories removed in turn, then `dir` itself. A file that cannot be
-/// deleted stops everything with false; a sub-directory that cannot be removed keeps its
-/// ancestors in place but still gives true. An unreadable `dir` gives true with nothing removed.
+/// ones too), its sub-directories removed in turn, then `dir` itself. A file of `dir` that
+/// cannot be deleted stops with false; a sub-directory that cannot be removed entirely (for any
+/// reason, a stuck file in it included) keeps its ancestors in place but gives true. An
+/// unreadable `dir` gives true with nothing removed.
 /// Links are removed themselves, never followed. An entry whose name no path can express
 /// (such as `a:b` on POSIX) gives false.
 ///
 ///   non-empty dir, recursive false          => false, nothing removed
 ///   sub-directory cannot be removed         => true, dir and that sub-directory stay
-///   file cannot be deleted                  => false
+///   file of dir cannot be deleted           => false
 VELMOR_API bool remove_directory(const path_t& dir, bool recursive);
 
 /// Moves or renames `from` (a directory or a file) to `to`; false when either is empty, `from`
