@@ -22,9 +22,15 @@ class finder_t {
 
     void search(const path_t& dir) {
         const std::wstring dir_text = dir.as_string();
-        if (dir_text.empty() || !path_t::exists(dir_text)) {
-            return;
+        if (!dir_text.empty() && path_t::exists(dir_text)) {
+            walk(dir, dir_text);
         }
+    }
+
+  private:
+    // Sub-directories come here straight from their parent's enumeration, which has just said
+    // they are directories; one that vanished since then simply cannot be opened.
+    void walk(const path_t& dir, const std::wstring& dir_text) {
         os::directory_search_t entries(dir_text);
         if (!entries.is_open()) {
             return;
@@ -43,6 +49,8 @@ class finder_t {
             text += path_t::get_separator_char();
         }
         const std::size_t base_size = text.size();
+        // The directory's part of every entry text is compared with the pattern once here.
+        const std::size_t known = wildcard.literal_prefix(text);
 
         os::directory_entry_t entry;
         while (entries.next(entry)) {
@@ -52,7 +60,7 @@ class finder_t {
             if (entry.type == os::entry_type_t::directory) {
                 path_t child(dir);
                 if (recursive_ && _internal::append_entry(child, entry.name)) {
-                    search(child);
+                    walk(child, child.as_string());
                 }
                 continue;
             }
@@ -67,7 +75,7 @@ class finder_t {
             if (entry.type == os::entry_type_t::link && path_t::is_directory(text)) {
                 continue;
             }
-            if (wildcard.match(text)) {
+            if (wildcard.match(text, known)) {
                 path_t child(dir);
                 if (_internal::append_entry(child, entry.name)) {
                     found_.push_back(std::move(child));

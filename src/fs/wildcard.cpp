@@ -9,10 +9,19 @@ namespace velmor2::_internal {
 
 wildcard_t::wildcard_t(std::wstring pattern) : pattern_(std::move(pattern)) {}
 
-bool wildcard_t::match(const std::wstring& text) const {
+std::size_t wildcard_t::literal_prefix(const std::wstring& text) const {
+    std::size_t n = 0;
+    while (n < text.size() && n < pattern_.size() && pattern_[n] != L'*' && pattern_[n] != L'?' &&
+           pattern_[n] == text[n]) {
+        ++n;
+    }
+    return n;
+}
+
+bool wildcard_t::match(const std::wstring& text, std::size_t known) const {
     const std::size_t none = std::wstring::npos;
-    std::size_t p = 0;
-    std::size_t t = 0;
+    std::size_t p = known;
+    std::size_t t = known;
     std::size_t star = none;
     std::size_t star_text = 0;
     while (t < text.size()) {

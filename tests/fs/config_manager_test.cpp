@@ -16,7 +16,7 @@ using velmor_test::scoped_env_t;
 using velmor_test::temp_tree_t;
 
 class config_manager_test : public ::testing::Test {
-protected:
+  protected:
     std::wstring native(const std::string& relative) const {
         return tree.native(relative).wstring();
     }

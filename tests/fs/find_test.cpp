@@ -41,11 +41,11 @@ void expected_walk(const fs::path& dir, const std::wstring& suffix, bool recursi
 }
 
 class find_files_test : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
-        for (const char* file : {"a.xml", "b.txt", "c.xml", "sub/d.xml", "sub/e.txt",
-                                 "sub/deep/f.xml", "other/g.xml", "other/h.XML", "dir.xml/i.txt",
-                                 "z.xml"}) {
+        for (const char* file :
+             {"a.xml", "b.txt", "c.xml", "sub/d.xml", "sub/e.txt", "sub/deep/f.xml", "other/g.xml",
+              "other/h.XML", "dir.xml/i.txt", "z.xml"}) {
             tree.write(std::string("root/") + file);
         }
     }
@@ -82,8 +82,13 @@ TEST_F(find_files_test, pattern_forms) {
         std::size_t count;
     };
     const case_t cases[] = {
-        {L"*.xml", true, 6},  {L"*.XML", true, 1}, {L"?.xml", false, 3}, {L"*", false, 4},
-        {L"sub\\*.xml", false, 0}, {L"*.none", true, 0}, {L"", true, 0},
+        {L"*.xml", true, 6},
+        {L"*.XML", true, 1},
+        {L"?.xml", false, 3},
+        {L"*", false, 4},
+        {L"sub\\*.xml", false, 0},
+        {L"*.none", true, 0},
+        {L"", true, 0},
         // The pattern is joined to each directory searched: a folder in it is looked for below
         // every directory, and the files of `sub` itself are met with `sub\sub\*`.
         {L"sub\\*", true, 0},
@@ -132,20 +137,56 @@ TEST(find_files, long_paths_match_as_their_printed_form_does) {
 }
 
 TEST(wildcard, agrees_with_path_match) {
-    const wchar_t* texts[] = {L"C:\\src\\a.cpp", L"\\tmp\\x\\a.xml", L"\\tmp\\x\\.xml",
-                              L"\\tmp\\x\\a\nb", L"a.b.c", L"", L"aaa", L"a*b?c", L"[x]+(y)$^",
+    const wchar_t* texts[] = {L"C:\\src\\a.cpp",
+                              L"\\tmp\\x\\a.xml",
+                              L"\\tmp\\x\\.xml",
+                              L"\\tmp\\x\\a\nb",
+                              L"a.b.c",
+                              L"",
+                              L"aaa",
+                              L"a*b?c",
+                              L"[x]+(y)$^",
                               L"\\\\srv\\share\\f.txt"};
-    const wchar_t* patterns[] = {L"C:\\src\\*.cpp", L"c:\\src\\*.cpp", L"C:/src/*.cpp",
-                                 L"*.cpp", L"C:\\src\\?.cpp", L"C:\\src\\a.c", L"*", L"",
-                                 L"?", L"*.xml", L"\\tmp\\x\\*.xml", L"*a*a*", L"a*",
-                                 L"*?*", L"a.b.c", L"a?b?c", L"[x]+(y)$^", L"\\tmp\\x\\a?b",
-                                 L"**", L"*\\*", L"\\\\srv\\*\\f.*"};
+    const wchar_t* patterns[] = {L"C:\\src\\*.cpp",
+                                 L"c:\\src\\*.cpp",
+                                 L"C:/src/*.cpp",
+                                 L"*.cpp",
+                                 L"C:\\src\\?.cpp",
+                                 L"C:\\src\\a.c",
+                                 L"*",
+                                 L"",
+                                 L"?",
+                                 L"*.xml",
+                                 L"\\tmp\\x\\*.xml",
+                                 L"*a*a*",
+                                 L"a*",
+                                 L"*?*",
+                                 L"a.b.c",
+                                 L"a?b?c",
+                                 L"[x]+(y)$^",
+                                 L"\\tmp\\x\\a?b",
+                                 L"**",
+                                 L"*\\*",
+                                 L"\\\\srv\\*\\f.*"};
     for (const wchar_t* text : texts) {
         for (const wchar_t* pattern : patterns) {
             const path_t path(text);
             SCOPED_TRACE(testing::Message() << path.as_string().size() << " " << wcslen(pattern));
             EXPECT_EQ(velmor2::_internal::wildcard_t(pattern).match(path.as_string()),
                       path.match(pattern));
+        }
+    }
+}
+
+TEST(wildcard, known_prefix_gives_the_same_answers) {
+    const std::wstring texts[] = {L"\\d\\a.xml", L"\\d\\b.txt", L"\\d\\", L"\\e\\a.xml"};
+    for (const wchar_t* pattern : {L"\\d\\*.xml", L"\\d?\\*", L"*.xml", L"\\d\\a.xml", L"\\"}) {
+        const velmor2::_internal::wildcard_t wildcard(pattern);
+        const std::size_t known = wildcard.literal_prefix(L"\\d\\");
+        for (const std::wstring& text : texts) {
+            if (text.compare(0, 3, L"\\d\\") == 0) {
+                EXPECT_EQ(wildcard.match(text, known), wildcard.match(text));
+            }
         }
     }
 }

@@ -17,8 +17,8 @@ using velmor2::path_t;
 using velmor_test::temp_tree_t;
 
 // Names legal on POSIX that no path can express as one component of a directory.
-const char* const rejected_names[] = {"a:b", "x|y", "<", ">", "q\"q", "\"quoted\"", "a\\b",
-                                      " lead", "C:"};
+const char* const rejected_names[] = {"a:b",        "x|y",  "<",     ">", "q\"q",
+                                      "\"quoted\"", "a\\b", " lead", "C:"};
 
 TEST(hostile_names, recursive_removal_reports_false_and_never_deletes_the_directory) {
     for (const char* name : rejected_names) {
@@ -75,7 +75,7 @@ TEST(hostile_names, unicode_names_are_ordinary) {
 }
 
 class links_test : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         tree.write("outside/keep.xml", "outside");
         tree.write("target.xml", "target");
@@ -125,14 +125,14 @@ TEST_F(links_test, copy_copies_linked_files_skips_linked_directories_fails_on_da
 
 // Replaces one of the file-system calls for the lifetime of a test.
 class injected_calls_t {
-public:
+  public:
     injected_calls_t() : saved_(os::fs_calls()) {}
     ~injected_calls_t() { os::fs_calls() = saved_; }
     injected_calls_t(const injected_calls_t&) = delete;
     injected_calls_t& operator=(const injected_calls_t&) = delete;
     os::fs_calls_t& calls() { return os::fs_calls(); }
 
-private:
+  private:
     os::fs_calls_t saved_;
 };
 

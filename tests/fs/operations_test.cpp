@@ -13,7 +13,9 @@ namespace fs = std::filesystem;
 using velmor2::path_t;
 using velmor_test::temp_tree_t;
 
-bool is_root() { return ::geteuid() == 0; }
+bool is_root() {
+    return ::geteuid() == 0;
+}
 
 TEST(create_directory, makes_every_missing_level_and_accepts_what_exists) {
     struct case_t {

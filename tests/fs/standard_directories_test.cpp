@@ -16,7 +16,9 @@ using velmor_test::scoped_env_t;
 using velmor_test::temp_tree_t;
 namespace stdpaths = velmor2::stdpaths;
 
-std::wstring native(const path_t& path) { return path.as_native_string(); }
+std::wstring native(const path_t& path) {
+    return path.as_native_string();
+}
 
 TEST(user_config_dir, xdg_config_home_when_absolute) {
     temp_tree_t tree;
@@ -141,8 +143,7 @@ TEST(temp_dir, tmpdir_when_absolute_resolved_and_created) {
     const case_t cases[] = {
         {"resolved through a link", tree.native("link").string(),
          fs::canonical(tree.native()).wstring()},
-        {"created when missing", tree.native("new/tmp").string(),
-         tree.native("new/tmp").wstring()},
+        {"created when missing", tree.native("new/tmp").string(), tree.native("new/tmp").wstring()},
         {"relative ignored", std::string("relative"), fs::canonical("/tmp").wstring()},
         {"unset", std::nullopt, fs::canonical("/tmp").wstring()},
     };
@@ -176,13 +177,13 @@ TEST(executable_and_module_dir, module_of_a_shared_library_and_unmapped_addresse
 
 // Restores the working directory after a test that changes it.
 class working_dir_guard_t {
-public:
+  public:
     working_dir_guard_t() : saved_(fs::current_path()) {}
     ~working_dir_guard_t() { fs::current_path(saved_); }
     working_dir_guard_t(const working_dir_guard_t&) = delete;
     working_dir_guard_t& operator=(const working_dir_guard_t&) = delete;
 
-private:
+  private:
     fs::path saved_;
 };
 

@@ -8,7 +8,7 @@
 namespace velmor_test {
 
 class scoped_env_t {
-public:
+  public:
     /// Sets `name` to `value`, or clears it for `std::nullopt`.
     scoped_env_t(std::string name, const std::optional<std::string>& value)
         : name_(std::move(name)) {
@@ -21,7 +21,7 @@ public:
     scoped_env_t(const scoped_env_t&) = delete;
     scoped_env_t& operator=(const scoped_env_t&) = delete;
 
-private:
+  private:
     void apply(const std::optional<std::string>& value) const {
         if (value) {
             ::setenv(name_.c_str(), value->c_str(), 1);

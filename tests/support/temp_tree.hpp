@@ -13,7 +13,7 @@
 namespace velmor_test {
 
 class temp_tree_t {
-public:
+  public:
     temp_tree_t() {
         std::string pattern = (std::filesystem::temp_directory_path() / "velmor-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr) {
@@ -65,7 +65,7 @@ public:
                std::filesystem::file_type::not_found;
     }
 
-private:
+  private:
     std::filesystem::path root_;
 };
 
