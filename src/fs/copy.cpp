@@ -36,12 +36,15 @@ bool copy_file(const path_t& from, const path_t& to) {
     return os::copy_file(from_text, to_text);
 }
 
-bool copy_directory(const path_t& from, const path_t& to) {
+namespace {
+
+// The copy of one level; sub-directories come back here.
+bool copy_tree(const path_t& from, const path_t& to) {
     if (from.is_empty() || to.is_empty()) {
         return false;
     }
     const std::wstring from_text = from.as_string();
-    if (!path_t::exists(from_text) || !path_t::is_directory(from_text) || is_within(to, from)) {
+    if (!path_t::exists(from_text) || !path_t::is_directory(from_text)) {
         return false;
     }
     os::directory_search_t search(from_text);
@@ -63,7 +66,7 @@ bool copy_directory(const path_t& from, const path_t& to) {
         }
         switch (entry.type) {
         case os::entry_type_t::directory:
-            if (!copy_directory(source, target)) {
+            if (!copy_tree(source, target)) {
                 return false;
             }
             break;
@@ -84,6 +87,12 @@ bool copy_directory(const path_t& from, const path_t& to) {
         }
     }
     return true;
+}
+
+} // namespace
+
+bool copy_directory(const path_t& from, const path_t& to) {
+    return !is_within(to, from) && copy_tree(from, to);
 }
 
 } // namespace velmor2
