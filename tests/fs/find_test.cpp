@@ -4,6 +4,7 @@
 
 #include <velmor2/file_system.hpp>
 
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 

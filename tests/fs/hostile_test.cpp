@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 
