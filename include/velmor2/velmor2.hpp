@@ -2,3 +2,6 @@
 #pragma once
 
 #include <velmor2/path.hpp>
+#include <velmor2/configuration_files.hpp>
+#include <velmor2/file_system.hpp>
+#include <velmor2/standard_directories.hpp>

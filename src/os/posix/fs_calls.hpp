@@ -1,0 +1,29 @@
+// The POSIX calls that change the file system, reached through one table so that a test can
+// make any of them fail (a full disk, a refused permission) and check the failure comes back
+// as a value.
+#pragma once
+
+#include <sys/types.h>
+
+namespace velmor2::_internal::os {
+
+/// Every call the file operations make that can change or fill the disk.
+struct fs_calls_t {
+    int (*mkdir)(const char* path, mode_t mode);
+    int (*rmdir)(const char* path);
+    int (*unlink)(const char* path);
+    /// Renames without replacing an existing target.
+    int (*rename)(const char* from, const char* to);
+    int (*chmod)(const char* path, mode_t mode);
+    int (*open)(const char* path, int flags, mode_t mode);
+    ssize_t (*read)(int fd, void* buffer, size_t size);
+    ssize_t (*write)(int fd, const void* buffer, size_t size);
+};
+
+/// The table in use; starts with the real calls.
+fs_calls_t& fs_calls();
+
+/// The real calls.
+const fs_calls_t& real_fs_calls();
+
+} // namespace velmor2::_internal::os

@@ -1,0 +1,201 @@
+// find_files on real trees: search order, recursion, and agreement with path_t::match.
+#include "fs/wildcard.hpp"
+#include "support/temp_tree.hpp"
+
+#include <velmor2/file_system.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using velmor2::path_t;
+using velmor_test::temp_tree_t;
+
+std::vector<std::wstring> native_texts(const std::vector<path_t>& paths) {
+    std::vector<std::wstring> out;
+    for (const path_t& path : paths) {
+        out.push_back(path.as_native_string());
+    }
+    return out;
+}
+
+// What the search must give: entries in directory order, a sub-directory's matches where it
+// was met. std::filesystem reads the same directory in the same order.
+void expected_walk(const fs::path& dir, const std::wstring& suffix, bool recursive,
+                   std::vector<std::wstring>& out) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(dir)) {
+        if (entry.is_directory()) {
+            if (recursive) {
+                expected_walk(entry.path(), suffix, recursive, out);
+            }
+            continue;
+        }
+        const std::wstring name = entry.path().filename().wstring();
+        if (name.size() >= suffix.size() &&
+            name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0) {
+            out.push_back(entry.path().wstring());
+        }
+    }
+}
+
+class find_files_test : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        for (const char* file :
+             {"a.xml", "b.txt", "c.xml", "sub/d.xml", "sub/e.txt", "sub/deep/f.xml", "other/g.xml",
+              "other/h.XML", "dir.xml/i.txt", "z.xml"}) {
+            tree.write(std::string("root/") + file);
+        }
+    }
+    temp_tree_t tree;
+};
+
+TEST_F(find_files_test, recursive_search_is_depth_first_in_directory_order) {
+    std::vector<std::wstring> expected;
+    expected_walk(tree.native("root"), L".xml", true, expected);
+    ASSERT_EQ(expected.size(), 6u);
+    EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", true)), expected);
+}
+
+TEST_F(find_files_test, flat_search_lists_only_the_directory_itself) {
+    std::vector<std::wstring> expected;
+    expected_walk(tree.native("root"), L".xml", false, expected);
+    ASSERT_EQ(expected.size(), 3u);
+    EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", false)), expected);
+}
+
+TEST_F(find_files_test, results_are_the_directory_joined_with_relative_names) {
+    for (const path_t& found : velmor2::find_files(tree.path("root"), L"*", true)) {
+        SCOPED_TRACE(found.as_native_string());
+        EXPECT_TRUE(found.is_exists());
+        EXPECT_FALSE(found.is_directory());
+        EXPECT_EQ(found.as_string().rfind(tree.path("root").as_string() + L"\\", 0), 0u);
+    }
+}
+
+TEST_F(find_files_test, pattern_forms) {
+    struct case_t {
+        const wchar_t* pattern;
+        bool recursive;
+        std::size_t count;
+    };
+    const case_t cases[] = {
+        {L"*.xml", true, 6},
+        {L"*.XML", true, 1},
+        {L"?.xml", false, 3},
+        {L"*", false, 4},
+        {L"sub\\*.xml", false, 0},
+        {L"*.none", true, 0},
+        {L"", true, 0},
+        // The pattern is joined to each directory searched: a folder in it is looked for below
+        // every directory, and the files of `sub` itself are met with `sub\sub\*`.
+        {L"sub\\*", true, 0},
+    };
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(testing::Message() << std::string(c.pattern, c.pattern + wcslen(c.pattern))
+                                        << (c.recursive ? " recursive" : ""));
+        EXPECT_EQ(velmor2::find_files(tree.path("root"), c.pattern, c.recursive).size(), c.count);
+    }
+}
+
+TEST(find_files, missing_or_empty_directory_gives_nothing) {
+    temp_tree_t tree;
+    EXPECT_TRUE(velmor2::find_files(tree.path("missing"), L"*", true).empty());
+    EXPECT_TRUE(velmor2::find_files(path_t(), L"*", true).empty());
+    tree.write("file.xml");
+    EXPECT_TRUE(velmor2::find_files(tree.path("file.xml"), L"*", true).empty());
+}
+
+TEST(find_files, long_paths_match_as_their_printed_form_does) {
+    temp_tree_t tree;
+    // Deep enough that entry paths cross the length at which path_t adds its long-path prefix.
+    std::string deep = "root";
+    while (tree.native(deep).string().size() < 236) {
+        deep += "/d";
+    }
+    for (const char* name : {"a.xml", "bb.xml", "ccccccccccccccccc.xml", "dddd.txt"}) {
+        tree.write(deep + "/" + name);
+    }
+    const path_t root = tree.path("root");
+    const std::vector<path_t> found = velmor2::find_files(root, L"*.xml", true);
+    std::vector<path_t> expected;
+    for (const auto& entry : fs::recursive_directory_iterator(tree.native("root"))) {
+        const path_t file(entry.path().wstring());
+        path_t pattern(file.get_branch());
+        pattern.append(path_t(L"*.xml"));
+        if (entry.is_regular_file() && file.match(pattern.as_string())) {
+            expected.push_back(file);
+        }
+    }
+    EXPECT_EQ(found.size(), expected.size());
+    for (const path_t& file : expected) {
+        EXPECT_NE(std::find(found.begin(), found.end(), file), found.end())
+            << file.as_native_string().size();
+    }
+}
+
+TEST(wildcard, agrees_with_path_match) {
+    const wchar_t* texts[] = {L"C:\\src\\a.cpp",
+                              L"\\tmp\\x\\a.xml",
+                              L"\\tmp\\x\\.xml",
+                              L"\\tmp\\x\\a\nb",
+                              L"a.b.c",
+                              L"",
+                              L"aaa",
+                              L"a*b?c",
+                              L"[x]+(y)$^",
+                              L"\\\\srv\\share\\f.txt"};
+    const wchar_t* patterns[] = {L"C:\\src\\*.cpp",
+                                 L"c:\\src\\*.cpp",
+                                 L"C:/src/*.cpp",
+                                 L"*.cpp",
+                                 L"C:\\src\\?.cpp",
+                                 L"C:\\src\\a.c",
+                                 L"*",
+                                 L"",
+                                 L"?",
+                                 L"*.xml",
+                                 L"\\tmp\\x\\*.xml",
+                                 L"*a*a*",
+                                 L"a*",
+                                 L"*?*",
+                                 L"a.b.c",
+                                 L"a?b?c",
+                                 L"[x]+(y)$^",
+                                 L"\\tmp\\x\\a?b",
+                                 L"**",
+                                 L"*\\*",
+                                 L"\\\\srv\\*\\f.*"};
+    for (const wchar_t* text : texts) {
+        for (const wchar_t* pattern : patterns) {
+            const path_t path(text);
+            SCOPED_TRACE(testing::Message() << path.as_string().size() << " " << wcslen(pattern));
+            EXPECT_EQ(velmor2::_internal::wildcard_t(pattern).match(path.as_string()),
+                      path.match(pattern));
+        }
+    }
+}
+
+TEST(wildcard, known_prefix_gives_the_same_answers) {
+    const std::wstring texts[] = {L"\\d\\a.xml", L"\\d\\b.txt", L"\\d\\", L"\\e\\a.xml"};
+    for (const wchar_t* pattern : {L"\\d\\*.xml", L"\\d?\\*", L"*.xml", L"\\d\\a.xml", L"\\"}) {
+        const velmor2::_internal::wildcard_t wildcard(pattern);
+        const std::size_t known = wildcard.literal_prefix(L"\\d\\");
+        for (const std::wstring& text : texts) {
+            if (text.compare(0, 3, L"\\d\\") == 0) {
+                EXPECT_EQ(wildcard.match(text, known), wildcard.match(text));
+            }
+        }
+    }
+}
+
+TEST(wildcard, pathological_pattern_stays_fast) {
+    const std::wstring text(4000, L'a');
+    const std::wstring pattern = std::wstring(40, L'*') + L"a*b";
+    EXPECT_FALSE(velmor2::_internal::wildcard_t(pattern).match(text));
+}
+
+} // namespace
