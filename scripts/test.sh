@@ -17,3 +17,6 @@ cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON \
 cmake --build build/sanitize --parallel "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"
+
+# The Windows DLL and the tests, cross-built with MinGW-w64 and run under Wine.
+bash scripts/test_windows.sh
