@@ -29,6 +29,7 @@ wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
 if [ ! -e "$WINEPREFIX/system.reg" ]; then
   echo "test_windows: creating the Wine prefix"
   nice "$wine" wineboot --init >/dev/null 2>&1
+  wineserver -w
 fi
 status=0
 nice ctest --test-dir "$build" --output-on-failure --parallel "$(nproc)" || status=$?
