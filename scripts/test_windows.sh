@@ -19,6 +19,23 @@ nice cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMOR_WERROR=ON
   -DBoost_NO_BOOST_CMAKE=ON -DZLIB_USE_STATIC_LIBS=ON
 nice cmake --build "$build" --parallel "$(nproc)"
 
+# The DLL exports the public interface only: no internals, nothing of the static runtimes.
+exports=$(x86_64-w64-mingw32-objdump -p "$build/src/velmor_core.dll" |
+  sed -n '/\[Ordinal\/Name Pointer\] Table/,/^$/p' | awk 'NR > 1 && NF { print $NF }' | c++filt)
+if [ -z "$exports" ]; then
+  echo "test_windows: velmor_core.dll exports nothing" >&2
+  exit 1
+fi
+special='((vtable|typeinfo|typeinfo name|VTT) for )?'
+stray=$( (grep -Ev "^${special}velmor2::" <<<"$exports"
+  grep -E "^${special}velmor2::_internal::" <<<"$exports") || true)
+if [ -n "$stray" ]; then
+  echo "test_windows: velmor_core.dll exports more than the public interface:" >&2
+  echo "$stray" >&2
+  exit 1
+fi
+echo "test_windows: velmor_core.dll exports $(wc -l <<<"$exports") public symbols"
+
 # A prefix of our own, made once: Wine then never touches the user's ~/.wine, and later runs
 # skip its first-start setup.
 export WINEPREFIX=$cache/wineprefix
