@@ -17,4 +17,10 @@ cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON \
 cmake --build build/sanitize --parallel "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"
+
+# The installed package: a consumer built with the CMake package and with pkg-config, and the
+# Debian package installed and run.
 bash scripts/check_package.sh
+
+# The Windows DLL and the tests, cross-built with MinGW-w64 and run under Wine.
+bash scripts/test_windows.sh

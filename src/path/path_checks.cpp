@@ -3,6 +3,11 @@
 #include "path/grammar.hpp"
 
 #include <boost/regex.hpp>
+#if defined(_WIN32)
+// Boost.Regex leaves the Win32 traits out of its umbrella header under MinGW; they are
+// header-only and work there.
+#include <boost/regex/v5/w32_regex_traits.hpp>
+#endif
 
 namespace velmor2 {
 namespace {

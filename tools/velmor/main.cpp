@@ -6,6 +6,12 @@
 #include <algorithm>
 #include <cstdio>
 
+#if defined(_WIN32)
+#include <windows.h>
+
+#include <shellapi.h>
+#endif
+
 namespace velmor_tool {
 namespace {
 
@@ -28,6 +34,26 @@ void print_help() {
     }
 }
 
+// The arguments after the program name. Windows hands argv over in the ANSI code page, which
+// loses characters, so there they come from the wide command line; elsewhere argv is UTF-8.
+std::vector<std::wstring> arguments(int argc, char** argv) {
+    std::vector<std::wstring> args;
+#if defined(_WIN32)
+    int count = 0;
+    if (LPWSTR* wide = CommandLineToArgvW(GetCommandLineW(), &count)) {
+        for (int i = 1; i < count; ++i) {
+            args.emplace_back(wide[i]);
+        }
+        LocalFree(wide);
+        return args;
+    }
+#endif
+    for (int i = 1; i < argc; ++i) {
+        args.push_back(velmor2::_internal::to_ustring(argv[i]));
+    }
+    return args;
+}
+
 } // namespace
 
 command_registrar_t::command_registrar_t(const command_t& command) {
@@ -48,10 +74,7 @@ void err(const std::wstring& text) { write(stderr, text); }
 
 int main(int argc, char** argv) {
     using namespace velmor_tool;
-    std::vector<std::wstring> args;
-    for (int i = 1; i < argc; ++i) {
-        args.push_back(velmor2::_internal::to_ustring(argv[i]));
-    }
+    std::vector<std::wstring> args = arguments(argc, argv);
     if (args.empty()) {
         print_help();
         return exit_usage;
