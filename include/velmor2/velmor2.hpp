@@ -2,3 +2,5 @@
 #pragma once
 
 #include <velmor2/path.hpp>
+#include <velmor2/threading.hpp>
+#include <velmor2/configuration.hpp>
