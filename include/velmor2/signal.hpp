@@ -20,7 +20,8 @@ struct dummy_t {};
 /// Base of every object whose member functions are connected to signals. Destroying it removes
 /// its connections from every signal, also from one that is emitting at the time.
 ///
-/// An object destroyed on a thread other than the one emitting should call
+/// A signal and a subscriber connected to each other must not be destroyed at the same moment
+/// on two threads. An object destroyed on a thread other than the one emitting should call
 /// `disconnect_signals()` first thing in its destructor: the base destructor runs only after
 /// the derived parts are gone, too late to stop an emission on another thread from calling in.
 class VELMOR_API subscriber_base_t {

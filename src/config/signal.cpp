@@ -2,8 +2,8 @@
 //
 // Every read and write of a signal's connection list and emission state happens under the
 // signal's lock, and every read and write of a subscriber's signal list under the subscriber's
-// lock. Lock order: a signal's lock, then a subscriber's (connect, disconnect_all); a dying
-// subscriber takes its own lock, then each signal's.
+// lock. Lock order: a signal's lock, then a subscriber's, everywhere; a dying subscriber takes
+// the signals' locks only after letting go of its own.
 #include <velmor2/signal.hpp>
 
 #include <algorithm>
@@ -19,12 +19,21 @@ subscriber_base_t& subscriber_base_t::operator=(const subscriber_base_t&) { retu
 subscriber_base_t::~subscriber_base_t() { disconnect_signals(); }
 
 void subscriber_base_t::disconnect_signals() {
-    threading::mutex_guard_t own(subscriber_mutex);
-    for (signal_base_t* signal : connected_signals) {
+    // The own lock is not held while a signal's is taken: connect and a dying signal take the
+    // signal's lock first, and one order for every pair keeps the locks deadlock-free. The
+    // signals in the copy stay alive meanwhile, since a signal and a subscriber connected to
+    // each other are not destroyed at the same moment on two threads.
+    std::list<signal_base_t*> signals;
+    {
+        threading::mutex_guard_t own(subscriber_mutex);
+        signals.swap(connected_signals);
+    }
+    signals.sort();
+    signals.unique();
+    for (signal_base_t* signal : signals) {
         threading::mutex_guard_t guard(*signal->connections_mutex);
         signal->erase_subscriber(this);
     }
-    connected_signals.clear();
 }
 
 signal_base_t::signal_base_t() : connections_mutex(new threading::mutex_t) {}

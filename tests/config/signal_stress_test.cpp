@@ -16,7 +16,7 @@ using velmor2::_internal::subscriber_base_t;
 using int_signal_t = signal_t<int>;
 
 constexpr int thread_count = 4;
-constexpr int rounds = 1000;
+constexpr int rounds = 300;
 
 // Counts calls; emits again for one argument; destroys itself for its owner's argument.
 struct counter_t : subscriber_base_t {

@@ -95,7 +95,8 @@ TEST(signal, assignment_appends_the_missing_connections) {
     target = source;
     target(0);
     EXPECT_EQ(log, (log_t{"b:0", "c:0", "a:0"}));
-    target = target;
+    const int_signal_t& same = target;
+    target = same;
     EXPECT_EQ(target.connection_count(), 3u);
 }
 

@@ -394,7 +394,8 @@ TEST(config_store, copies_clone_values_and_connections) {
     EXPECT_EQ(watcher.changes.size(), 2u);
     advanced_xml_config_t assigned;
     assigned = copy;
-    assigned = assigned;
+    const advanced_xml_config_t& same = assigned;
+    assigned = same;
     assigned.set_value(L"k", 3);
     EXPECT_EQ(get<int>(copy, L"k"), 2);
     EXPECT_EQ(watcher.changes.size(), 3u);
