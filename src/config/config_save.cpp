@@ -12,6 +12,7 @@
 #include "text/convert.hpp"
 
 #include <boost/tokenizer.hpp>
+#include <libxml/dict.h>
 
 #include <memory>
 #include <typeindex>
@@ -20,17 +21,20 @@
 namespace velmor2 {
 namespace {
 
-// The UTF-8 pieces of a key, empty pieces dropped; false when a piece is not an XML name.
+// The UTF-8 pieces of a key, empty pieces dropped; false when a piece is not an XML name or
+// the key nests deeper than a reader accepts. "." is ASCII, so splitting the UTF-8 form gives
+// the pieces of the wide one.
 bool split_key(const std::wstring& key, std::vector<std::string>& pieces) {
-    using separator_t = boost::char_separator<wchar_t>;
-    const boost::tokenizer<separator_t, std::wstring::const_iterator, std::wstring> tokens(
-        key, separator_t(L"."));
+    using separator_t = boost::char_separator<char>;
+    const std::string utf8 = _internal::to_utf8(key);
+    const boost::tokenizer<separator_t> tokens(utf8, separator_t("."));
     pieces.clear();
-    for (const std::wstring& token : tokens) {
-        pieces.push_back(_internal::to_utf8(token));
-        if (!_internal::is_element_name(pieces.back())) {
+    for (const std::string& token : tokens) {
+        if (!_internal::is_element_name(token) ||
+            pieces.size() + 1 >= _internal::max_element_depth) {
             return false;
         }
+        pieces.push_back(token);
     }
     return true;
 }
@@ -41,7 +45,14 @@ const xmlChar* xml_text(const char* text) { return reinterpret_cast<const xmlCha
 
 bool advanced_xml_config_t::save(const path_t& file) {
     std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(xml_text("1.0")), &xmlFreeDoc);
-    xmlNode* root = doc ? xmlNewDocNode(doc.get(), nullptr, xml_text("root"), nullptr) : nullptr;
+    if (!doc) {
+        throw std::bad_alloc();
+    }
+    // Element names repeat (type, item, group names): a dictionary stores each once.
+    doc->dict = xmlDictCreate();
+    xmlNode* root = doc->dict != nullptr
+                        ? xmlNewDocNode(doc.get(), nullptr, xml_text("root"), nullptr)
+                        : nullptr;
     if (root == nullptr) {
         throw std::bad_alloc();
     }
@@ -49,7 +60,11 @@ bool advanced_xml_config_t::save(const path_t& file) {
 
     _internal::save_tree_t tree(root);
     // Held types resolved once per save; the copies keep the handlers alive during the save.
-    std::unordered_map<std::type_index, smart_pointer_t<handler_base_t>> known;
+    struct writer_t {
+        smart_pointer_t<handler_base_t> handler;
+        std::string type_name;
+    };
+    std::unordered_map<std::type_index, writer_t> known;
     std::vector<std::string> pieces;
     for (const auto& [key, value] : values) {
         if (!split_key(key, pieces)) {
@@ -72,14 +87,14 @@ bool advanced_xml_config_t::save(const path_t& file) {
             }
             for (const smart_pointer_t<handler_base_t>& owned : handlers) {
                 if (owned.get() == found) {
-                    handler = known.emplace(value.type(), owned).first;
+                    writer_t writer{owned, _internal::to_utf8(found->get_type_name())};
+                    handler = known.emplace(value.type(), writer).first;
                     break;
                 }
             }
         }
-        handler_base_t& writer = *handler->second;
-        xmlSetProp(element, xml_text("type"),
-                   xml_text(_internal::to_utf8(writer.get_type_name()).c_str()));
+        handler_base_t& writer = *handler->second.handler;
+        xmlSetProp(element, xml_text("type"), xml_text(handler->second.type_name.c_str()));
         {
             _internal::handler_scope_t scope(writer, this);
             writer.save_value(value, element);

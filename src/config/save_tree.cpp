@@ -14,15 +14,27 @@ save_tree_t::~save_tree_t() {
     }
 }
 
-void save_tree_t::mark_written(const xmlNode* element) { written.insert(element); }
+void save_tree_t::mark_written(xmlNode* element) { element->_private = &written_marker; }
+
+bool save_tree_t::is_written(const xmlNode* element) const {
+    return element->_private == &written_marker;
+}
+
+save_tree_t::children_t& save_tree_t::children_of(xmlNode* element) {
+    if (element->_private == nullptr) {
+        element->_private = &maps.emplace_back();
+    }
+    return *static_cast<children_t*>(element->_private);
+}
 
 xmlNode* save_tree_t::make_element(const std::vector<std::string>& pieces) {
     xmlNode* current = root;
     for (std::size_t i = 0; i < pieces.size(); ++i) {
-        if (written.count(current) != 0) {
+        if (is_written(current)) {
             return query_below(current, pieces, i);
         }
-        const auto child = children.find(child_key_t(current, pieces[i]));
+        const children_t& children = children_of(current);
+        const auto child = children.find(pieces[i]);
         if (child == children.end()) {
             return create(current, pieces, i, true);
         }
@@ -65,7 +77,7 @@ xmlNode* save_tree_t::create(xmlNode* parent, const std::vector<std::string>& pi
             throw std::bad_alloc();
         }
         if (indexed) {
-            children.emplace(child_key_t(parent, pieces[i]), child);
+            children_of(parent).emplace(reinterpret_cast<const char*>(child->name), child);
         }
         parent = child;
     }

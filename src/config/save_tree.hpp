@@ -4,12 +4,10 @@
 #include <libxml/tree.h>
 #include <libxml/xpath.h>
 
-#include <boost/functional/hash.hpp>
-
+#include <deque>
 #include <string>
+#include <string_view>
 #include <unordered_map>
-#include <unordered_set>
-#include <utility>
 #include <vector>
 
 namespace velmor2::_internal {
@@ -22,6 +20,10 @@ namespace velmor2::_internal {
 /// (parent, name) gives that first node at once. Below an element a handler wrote into, names
 /// may repeat and the handler may have built anything, so the rest of the key is queried by
 /// XPath there, which only scans that value's own content.
+///
+/// The per-element state hangs off libxml2's application pointer `_private` of the elements:
+/// a child map for a group, a marker for a written element. They point into the tree, so the
+/// document is for writing out only and is freed right after.
 class save_tree_t {
 public:
     /// A tree whose root is `root` (of a document with no other content yet).
@@ -36,18 +38,22 @@ public:
     xmlNode* make_element(const std::vector<std::string>& pieces);
 
     /// Records that a handler wrote into `element`.
-    void mark_written(const xmlNode* element);
+    void mark_written(xmlNode* element);
 
 private:
     xmlNode* query_below(xmlNode* base, const std::vector<std::string>& pieces, std::size_t from);
     xmlNode* create(xmlNode* parent, const std::vector<std::string>& pieces, std::size_t from,
                     bool indexed);
 
-    using child_key_t = std::pair<const xmlNode*, std::string>;
+    // Keys view the element names, which the document owns.
+    using children_t = std::unordered_map<std::string_view, xmlNode*>;
+
+    children_t& children_of(xmlNode* element);
+    bool is_written(const xmlNode* element) const;
 
     xmlNode* root;
-    std::unordered_map<child_key_t, xmlNode*, boost::hash<child_key_t>> children;
-    std::unordered_set<const xmlNode*> written;
+    std::deque<children_t> maps;
+    char written_marker = 0;
     xmlXPathContext* context = nullptr;
     std::vector<xmlNode*> found;
 };

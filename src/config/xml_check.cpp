@@ -59,13 +59,13 @@ bool attributes_loadable(const xmlNode* element) {
     return true;
 }
 
-bool content_loadable(const xmlNode* node) {
+bool content_loadable(const xmlNode* node, std::size_t depth) {
     for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
         switch (child->type) {
         case XML_ELEMENT_NODE:
-            if (child->ns != nullptr ||
+            if (depth >= max_element_depth || child->ns != nullptr ||
                 !is_element_name(reinterpret_cast<const char*>(child->name)) ||
-                !attributes_loadable(child) || !content_loadable(child)) {
+                !attributes_loadable(child) || !content_loadable(child, depth + 1)) {
                 return false;
             }
             break;
@@ -101,7 +101,13 @@ bool is_element_name(const std::string& name) {
 }
 
 bool is_loadable(const xmlNode* element) {
-    return attributes_loadable(element) && content_loadable(element);
+    std::size_t depth = 0;
+    for (const xmlNode* node = element; node != nullptr && node->type == XML_ELEMENT_NODE;
+         node = node->parent) {
+        ++depth;
+    }
+    return depth <= max_element_depth && attributes_loadable(element) &&
+           content_loadable(element, depth);
 }
 
 void clear_element(xmlNode* element) {

@@ -13,9 +13,13 @@ namespace velmor2::_internal {
 ///   width => true      2nd => false     a b => false     a/b, a*, a[1], x:y, "" => false
 bool is_element_name(const std::string& name);
 
+/// Deepest element nesting, the root counting as 1, that the parser accepts.
+constexpr std::size_t max_element_depth = 256;
+
 /// True when the attributes and the whole content of `element` serialise to XML that parses
 /// again: names valid, every character allowed in XML 1.0, no entity reference (a parser
-/// without the declaration rejects it), no attribute twice, comments without "--".
+/// without the declaration rejects it), no attribute twice, comments without "--", no element
+/// nested deeper than `max_element_depth`.
 bool is_loadable(const xmlNode* element);
 
 /// Removes the attributes and content of `element`, leaving an empty group element.
