@@ -39,7 +39,9 @@ std::vector<entry_t> make_entries(std::size_t count) {
     return entries;
 }
 
-std::wstring wide(const std::string& text) { return std::wstring(text.begin(), text.end()); }
+std::wstring wide(const std::string& text) {
+    return std::wstring(text.begin(), text.end());
+}
 
 std::string file_name(const char* tag, std::size_t count) {
     return "/tmp/velmor_bench_config_" + std::to_string(::getpid()) + "_" + tag + "_" +

@@ -16,7 +16,7 @@ namespace {
 struct store_t : velmor2::advanced_xml_config_t {
     std::set<std::wstring> reported;
 
-protected:
+  protected:
     void on_save_value_failed(const std::wstring& name, const std::type_info&) override {
         reported.insert(name);
     }

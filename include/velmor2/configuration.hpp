@@ -38,7 +38,7 @@ class handler_scope_t;
 ///   smart_pointer_t<T> b(a)      => count 2, same object
 ///   a and b destroyed            => object deleted once
 template <typename T> class smart_pointer_t {
-public:
+  public:
     /// Owns `object`; a null pointer gets no count.
     explicit smart_pointer_t(T* object = nullptr)
         : object(object), count(object != nullptr ? new std::uint32_t(1) : nullptr) {}
@@ -68,7 +68,7 @@ public:
     /// True when a pointer is held.
     explicit operator bool() const { return object != nullptr; }
 
-private:
+  private:
     void add_reference() {
         if (object == nullptr) {
             return;
@@ -101,7 +101,7 @@ private:
 /// A derived handler implements the four pure operations and uses the protected helpers,
 /// which take and give wide text (UTF-8 on the libxml2 side).
 class VELMOR_API handler_base_t {
-public:
+  public:
     /// A handler working for no store.
     handler_base_t();
     /// Copies the store the handler works for.
@@ -122,7 +122,7 @@ public:
     /// The type `save_value` accepts.
     virtual const std::type_info& get_type_info() const = 0;
 
-protected:
+  protected:
     /// Sets the store on whose behalf the handler works (null outside a store's call).
     void set_parent(const advanced_xml_config_t* store);
 
@@ -158,7 +158,7 @@ protected:
     ///   ][      => (empty: not XPath)
     std::vector<xmlNode*> find_nodes(xmlNode* node, const std::wstring& expression);
 
-private:
+  private:
     friend class advanced_xml_config_t;
     friend class _internal::handler_scope_t;
 
@@ -173,12 +173,13 @@ private:
 /// std::map<std::wstring, std::wstring>, path_t) or of a type an added handler serves.
 ///
 ///   set_value(L"General.Width", 10)  => key general.width
-///   save                             => <root><general><width type="int">10</width></general></root>
+///   save                             => <root><general><width
+///   type="int">10</width></general></root>
 ///
 /// Numbers are written and read in the classic "C" form whatever the global locale. Not
 /// locked: one thread at a time per store; `value_changed` locks itself.
 class VELMOR_API advanced_xml_config_t {
-public:
+  public:
     /// An empty store with the fourteen built-in handlers.
     advanced_xml_config_t();
     /// Copies the values (cloned) and the signal's connections; shares the handlers.
@@ -217,14 +218,14 @@ public:
                         _internal::dummy_t, _internal::dummy_t, _internal::dummy_t>
         value_changed;
 
-protected:
+  protected:
     /// Called by `load` for an element whose type name no handler knows; does nothing.
     virtual void on_load_value_failed(const std::wstring& name, const std::wstring& type_name);
     /// Called by `save` for a value it cannot write (no handler for `type`, or a key piece that
     /// is not an XML name, or content a reader would reject); does nothing.
     virtual void on_save_value_failed(const std::wstring& name, const std::type_info& type);
 
-private:
+  private:
     friend class handler_base_t;
 
     void parse_node(xmlNode* node);

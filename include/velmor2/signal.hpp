@@ -25,7 +25,7 @@ struct dummy_t {};
 /// `disconnect_signals()` first thing in its destructor: the base destructor runs only after
 /// the derived parts are gone, too late to stop an emission on another thread from calling in.
 class VELMOR_API subscriber_base_t {
-public:
+  public:
     /// A subscriber with no connections.
     subscriber_base_t();
     /// A subscriber with no connections: signals connected to `other` do not call the copy.
@@ -35,13 +35,13 @@ public:
     /// Removes every connection to this object (see `disconnect_signals`).
     virtual ~subscriber_base_t();
 
-protected:
+  protected:
     /// Removes every connection to this object from the signals that hold one. Waits for
     /// emissions on other threads to end; an emission on this thread skips the object from
     /// now on. Afterwards no signal calls this object.
     void disconnect_signals();
 
-private:
+  private:
     friend class signal_base_t;
 
     /// Signals holding a connection to this object, one entry per connection.
@@ -53,7 +53,7 @@ private:
 /// The argument-independent part of a signal: the connection list, its lock and the emission
 /// state. A signal is itself a subscriber, so it may be connected to another signal.
 class VELMOR_API signal_base_t : public subscriber_base_t {
-public:
+  public:
     /// A signal with no connections.
     signal_base_t();
     /// A new signal that holds every connection of `other` as well.
@@ -66,7 +66,7 @@ public:
     /// Number of live connections.
     std::size_t connection_count() const;
 
-protected:
+  protected:
     /// Code pointer of the generated function that calls a member function.
     using erased_invoker_t = void (*)();
 
@@ -95,7 +95,7 @@ protected:
     /// Calls every live connection in order through `caller`.
     void emit_packed(caller_t caller, void* arguments);
 
-private:
+  private:
     void disconnect_all();
     bool has_connection(const connection_t& connection) const;
     void erase_subscriber(subscriber_base_t* subscriber);
@@ -133,7 +133,7 @@ template <typename... Args> struct signal_templ : signal_base_t {
         emit_packed(&call, &packed);
     }
 
-private:
+  private:
     using invoker_t = void (*)(void* target, const void* method, Args&... args);
 
     template <typename T> static void invoke(void* target, const void* method, Args&... args) {
@@ -164,7 +164,8 @@ struct signal_of<std::tuple<Kept...>, First, Rest...>
 
 /// A signal of up to six arguments; unused slots are `dummy_t`:
 ///
-///   signal_t<const std::wstring&, int>  => connect(obj, &T::f) with void T::f(const std::wstring&, int)
+///   signal_t<const std::wstring&, int>  => connect(obj, &T::f) with void T::f(const std::wstring&,
+///   int)
 ///                                          emit as signal(L"key", 3)
 template <typename A1 = dummy_t, typename A2 = dummy_t, typename A3 = dummy_t,
           typename A4 = dummy_t, typename A5 = dummy_t, typename A6 = dummy_t>

@@ -15,7 +15,7 @@ namespace velmor2::threading {
 ///
 /// so objects holding a `mutex_t` can be copied and assigned member by member.
 class VELMOR_API mutex_t {
-public:
+  public:
     /// Creates an unlocked lock. Allocation failure throws `std::bad_alloc`.
     mutex_t();
     /// Creates a fresh, unlocked lock; `other` is not looked at.
@@ -30,7 +30,7 @@ public:
     /// Gives up one acquisition by the owning thread.
     void release();
 
-private:
+  private:
     /// The platform lock (critical section or recursive pthread mutex), on the heap.
     void* native;
 };
@@ -38,7 +38,7 @@ private:
 /// Holds a `mutex_t` from construction to destruction (also when the scope is left by an
 /// exception). Not copyable: one guard, one acquisition.
 class VELMOR_API mutex_guard_t {
-public:
+  public:
     /// Acquires `mutex`, remembering it.
     explicit mutex_guard_t(mutex_t& mutex);
     /// Releases the mutex given to the constructor.
@@ -48,7 +48,7 @@ public:
     /// A guard is bound to the acquisition it made.
     mutex_guard_t& operator=(const mutex_guard_t&) = delete;
 
-private:
+  private:
     /// The locked mutex, not owned.
     mutex_t* mutex;
 };

@@ -39,7 +39,9 @@ bool split_key(const std::wstring& key, std::vector<std::string>& pieces) {
     return true;
 }
 
-const xmlChar* xml_text(const char* text) { return reinterpret_cast<const xmlChar*>(text); }
+const xmlChar* xml_text(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
 
 } // namespace
 

@@ -6,7 +6,9 @@
 
 namespace velmor2 {
 
-advanced_xml_config_t::advanced_xml_config_t() { _internal::add_builtin_handlers(handlers); }
+advanced_xml_config_t::advanced_xml_config_t() {
+    _internal::add_builtin_handlers(handlers);
+}
 
 advanced_xml_config_t::advanced_xml_config_t(const advanced_xml_config_t& other)
     : value_changed(other.value_changed), values(other.values), handlers(other.handlers) {}

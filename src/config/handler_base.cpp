@@ -5,7 +5,9 @@
 #include "config/xpath.hpp"
 #include "text/convert.hpp"
 
+#include <libxml/globals.h>
 #include <libxml/tree.h>
+#include <libxml/xmlerror.h>
 
 #include <memory>
 
@@ -13,6 +15,8 @@ namespace velmor2 {
 namespace {
 
 using _internal::to_utf8;
+
+void ignore_error(void*, const char*, ...) {}
 
 const xmlChar* xml_text(const std::string& utf8) {
     return reinterpret_cast<const xmlChar*>(utf8.c_str());
@@ -41,7 +45,9 @@ handler_base_t& handler_base_t::operator=(const handler_base_t& other) = default
 
 handler_base_t::~handler_base_t() = default;
 
-void handler_base_t::set_parent(const advanced_xml_config_t* store) { parent = store; }
+void handler_base_t::set_parent(const advanced_xml_config_t* store) {
+    parent = store;
+}
 
 std::wstring handler_base_t::get_node_content(xmlNode* node) {
     if (node == nullptr || node->children == nullptr) {
@@ -63,7 +69,13 @@ void handler_base_t::add_property(xmlNode* node, const std::wstring& name,
     if (node == nullptr) {
         return;
     }
+    // libxml2 reports a malformed reference in the content on stderr unless told otherwise;
+    // the handler is per thread, so the swap affects no other thread.
+    const xmlGenericErrorFunc saved = xmlGenericError;
+    void* const saved_context = xmlGenericErrorContext;
+    xmlSetGenericErrorFunc(nullptr, ignore_error);
     xmlNewChild(node, nullptr, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
+    xmlSetGenericErrorFunc(saved_context, saved);
 }
 
 std::wstring handler_base_t::get_property(xmlNode* node, const std::wstring& name) {
@@ -116,9 +128,8 @@ bool handler_base_t::set_any_property(xmlNode* node, const std::wstring& name,
         return false;
     }
     const std::vector<xmlNode*> nodes = select(node, name);
-    xmlNode* target = !nodes.empty()
-                          ? nodes.front()
-                          : xmlNewChild(node, nullptr, xml_text(to_utf8(name)), nullptr);
+    xmlNode* target = !nodes.empty() ? nodes.front()
+                                     : xmlNewChild(node, nullptr, xml_text(to_utf8(name)), nullptr);
     handler_base_t* handler = parent != nullptr ? parent->handler_for_type(value.type()) : nullptr;
     if (handler == nullptr || target == nullptr) {
         return false;
@@ -140,6 +151,8 @@ handler_scope_t::handler_scope_t(handler_base_t& handler, const advanced_xml_con
     handler.set_parent(store);
 }
 
-handler_scope_t::~handler_scope_t() { handler.set_parent(nullptr); }
+handler_scope_t::~handler_scope_t() {
+    handler.set_parent(nullptr);
+}
 
 } // namespace velmor2::_internal

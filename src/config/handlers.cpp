@@ -31,9 +31,13 @@ void path_t_handler_t::save_value(const boost::any& value, xmlNode* element) {
     }
 }
 
-std::wstring path_t_handler_t::get_type_name() const { return L"path_t"; }
+std::wstring path_t_handler_t::get_type_name() const {
+    return L"path_t";
+}
 
-const std::type_info& path_t_handler_t::get_type_info() const { return typeid(path_t); }
+const std::type_info& path_t_handler_t::get_type_info() const {
+    return typeid(path_t);
+}
 
 void add_builtin_handlers(std::list<smart_pointer_t<handler_base_t>>& handlers) {
     using string_vector = std::vector<std::wstring>;

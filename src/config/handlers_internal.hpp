@@ -41,7 +41,7 @@ template <typename T> bool scalar_value(const std::wstring& text, T& value) {
 
 /// A scalar (bool, integers, float, double, std::wstring) as the text of its element.
 template <typename T> class generic_handler_t : public handler_base_t {
-public:
+  public:
     explicit generic_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
     boost::any load_value(xmlNode* element) override {
@@ -59,13 +59,13 @@ public:
     std::wstring get_type_name() const override { return type_name; }
     const std::type_info& get_type_info() const override { return typeid(T); }
 
-private:
+  private:
     std::wstring type_name;
 };
 
 /// A sequence container C of E (std::wstring or int) as one `item` child per entry.
 template <typename C, typename E> class generic_container_handler_t : public handler_base_t {
-public:
+  public:
     explicit generic_container_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
     boost::any load_value(xmlNode* element) override {
@@ -89,13 +89,13 @@ public:
     std::wstring get_type_name() const override { return type_name; }
     const std::type_info& get_type_info() const override { return typeid(C); }
 
-private:
+  private:
     std::wstring type_name;
 };
 
 /// A map of strings as one empty `item` child per pair, with attributes `key` and `value`.
 template <typename M> class generic_map_handler_t : public handler_base_t {
-public:
+  public:
     explicit generic_map_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
     boost::any load_value(xmlNode* element) override {
@@ -108,8 +108,8 @@ public:
     void save_value(const boost::any& value, xmlNode* element) override {
         if (const M* held = boost::any_cast<M>(&value)) {
             for (const auto& pair : *held) {
-                xmlNode* item =
-                    xmlNewChild(element, nullptr, reinterpret_cast<const xmlChar*>("item"), nullptr);
+                xmlNode* item = xmlNewChild(element, nullptr,
+                                            reinterpret_cast<const xmlChar*>("item"), nullptr);
                 set_attribute(item, L"key", pair.first);
                 set_attribute(item, L"value", pair.second);
             }
@@ -118,13 +118,13 @@ public:
     std::wstring get_type_name() const override { return type_name; }
     const std::type_info& get_type_info() const override { return typeid(M); }
 
-private:
+  private:
     std::wstring type_name;
 };
 
 /// A `path_t` as the text of `as_string()`.
 class path_t_handler_t : public handler_base_t {
-public:
+  public:
     boost::any load_value(xmlNode* element) override;
     void save_value(const boost::any& value, xmlNode* element) override;
     std::wstring get_type_name() const override;

@@ -71,8 +71,8 @@ template <typename T> std::wstring format_number(T value) {
         char buffer[max_number_text];
         std::to_chars_result result;
         if constexpr (std::is_floating_point_v<T>) {
-            result = std::to_chars(buffer, buffer + sizeof buffer, value,
-                                   std::chars_format::general, 6);
+            result =
+                std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 6);
         } else {
             result = std::to_chars(buffer, buffer + sizeof buffer, value);
         }

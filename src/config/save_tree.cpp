@@ -14,7 +14,9 @@ save_tree_t::~save_tree_t() {
     }
 }
 
-void save_tree_t::mark_written(xmlNode* element) { element->_private = &written_marker; }
+void save_tree_t::mark_written(xmlNode* element) {
+    element->_private = &written_marker;
+}
 
 bool save_tree_t::is_written(const xmlNode* element) const {
     return element->_private == &written_marker;

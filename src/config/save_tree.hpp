@@ -25,7 +25,7 @@ namespace velmor2::_internal {
 /// a child map for a group, a marker for a written element. They point into the tree, so the
 /// document is for writing out only and is freed right after.
 class save_tree_t {
-public:
+  public:
     /// A tree whose root is `root` (of a document with no other content yet).
     explicit save_tree_t(xmlNode* root);
     /// Frees the XPath context.
@@ -40,7 +40,7 @@ public:
     /// Records that a handler wrote into `element`.
     void mark_written(xmlNode* element);
 
-private:
+  private:
     xmlNode* query_below(xmlNode* base, const std::vector<std::string>& pieces, std::size_t from);
     xmlNode* create(xmlNode* parent, const std::vector<std::string>& pieces, std::size_t from,
                     bool indexed);

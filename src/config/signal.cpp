@@ -14,9 +14,13 @@ subscriber_base_t::subscriber_base_t() = default;
 
 subscriber_base_t::subscriber_base_t(const subscriber_base_t&) {}
 
-subscriber_base_t& subscriber_base_t::operator=(const subscriber_base_t&) { return *this; }
+subscriber_base_t& subscriber_base_t::operator=(const subscriber_base_t&) {
+    return *this;
+}
 
-subscriber_base_t::~subscriber_base_t() { disconnect_signals(); }
+subscriber_base_t::~subscriber_base_t() {
+    disconnect_signals();
+}
 
 void subscriber_base_t::disconnect_signals() {
     // The own lock is not held while a signal's is taken: connect and a dying signal take the
@@ -80,9 +84,10 @@ signal_base_t::~signal_base_t() {
 
 std::size_t signal_base_t::connection_count() const {
     threading::mutex_guard_t guard(*connections_mutex);
-    return static_cast<std::size_t>(std::count_if(
-        connections.begin(), connections.end(),
-        [](const connection_t& connection) { return connection.subscriber != nullptr; }));
+    return static_cast<std::size_t>(
+        std::count_if(connections.begin(), connections.end(), [](const connection_t& connection) {
+            return connection.subscriber != nullptr;
+        }));
 }
 
 bool signal_base_t::has_connection(const connection_t& connection) const {

@@ -97,7 +97,8 @@ bool content_loadable(const xmlNode* node, std::size_t depth) {
 } // namespace
 
 bool is_element_name(const std::string& name) {
-    return !name.empty() && xmlValidateNCName(reinterpret_cast<const xmlChar*>(name.c_str()), 0) == 0;
+    return !name.empty() &&
+           xmlValidateNCName(reinterpret_cast<const xmlChar*>(name.c_str()), 0) == 0;
 }
 
 bool is_loadable(const xmlNode* element) {

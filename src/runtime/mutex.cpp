@@ -9,7 +9,9 @@ mutex_t::mutex_t() : native(_internal::os::create_mutex()) {}
 
 mutex_t::mutex_t(const mutex_t&) : native(_internal::os::create_mutex()) {}
 
-mutex_t& mutex_t::operator=(const mutex_t&) { return *this; }
+mutex_t& mutex_t::operator=(const mutex_t&) {
+    return *this;
+}
 
 mutex_t::~mutex_t() {
     if (native != nullptr) {
@@ -17,12 +19,20 @@ mutex_t::~mutex_t() {
     }
 }
 
-void mutex_t::acquire() { _internal::os::lock_mutex(native); }
+void mutex_t::acquire() {
+    _internal::os::lock_mutex(native);
+}
 
-void mutex_t::release() { _internal::os::unlock_mutex(native); }
+void mutex_t::release() {
+    _internal::os::unlock_mutex(native);
+}
 
-mutex_guard_t::mutex_guard_t(mutex_t& mutex) : mutex(&mutex) { mutex.acquire(); }
+mutex_guard_t::mutex_guard_t(mutex_t& mutex) : mutex(&mutex) {
+    mutex.acquire();
+}
 
-mutex_guard_t::~mutex_guard_t() { mutex->release(); }
+mutex_guard_t::~mutex_guard_t() {
+    mutex->release();
+}
 
 } // namespace velmor2::threading

@@ -16,7 +16,7 @@ namespace config_test {
 
 /// A fresh directory under the system's temporary folder, removed with its files at the end.
 class temp_dir_t {
-public:
+  public:
     temp_dir_t() {
         std::string pattern = "/tmp/velmor_config_XXXXXX";
         if (::mkdtemp(pattern.data()) == nullptr) {
@@ -31,11 +31,9 @@ public:
     /// Native name of a file in the directory.
     std::string file(const std::string& name) const { return dir + "/" + name; }
     /// The same as a path_t.
-    velmor2::path_t path(const std::string& name) const {
-        return velmor2::make_path(file(name));
-    }
+    velmor2::path_t path(const std::string& name) const { return velmor2::make_path(file(name)); }
 
-private:
+  private:
     std::string dir;
 };
 

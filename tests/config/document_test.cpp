@@ -126,7 +126,8 @@ TEST(handler_helpers, content_properties_and_attributes) {
     probe.set_attribute(e, L"a", L"v\u00e4");
     EXPECT_EQ(probe.get_attribute(e, L"a"), L"v\u00e4");
 
-    const std::vector<xmlNode*> items = probe.find_nodes(probe.find_nodes(root, L"list")[0], L"item");
+    const std::vector<xmlNode*> items =
+        probe.find_nodes(probe.find_nodes(root, L"list")[0], L"item");
     ASSERT_EQ(items.size(), 3u);
     EXPECT_EQ(probe.get_node_content(items[2]), L"3");
     EXPECT_TRUE(probe.find_nodes(root, L"][").empty());

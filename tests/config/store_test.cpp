@@ -27,7 +27,7 @@ struct store_t : advanced_xml_config_t {
     std::vector<std::pair<std::wstring, std::wstring>> load_failures;
     std::vector<std::pair<std::wstring, std::type_index>> save_failures;
 
-protected:
+  protected:
     void on_load_value_failed(const std::wstring& name, const std::wstring& type_name) override {
         load_failures.emplace_back(name, type_name);
     }
@@ -266,12 +266,13 @@ TEST(config_store, prefix_keys_empty_pieces_and_shared_elements) {
 TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
     temp_dir_t dir;
     store_t store;
-    const wchar_t* const bad_keys[] = {L"2nd", L"a b", L"a/b", L"a*", L"a[1]", L" ",
-                                       L"g.x:y", L"g.-x", L"g.@x", L"g.()"};
+    const wchar_t* const bad_keys[] = {L"2nd", L"a b",   L"a/b",  L"a*",   L"a[1]",
+                                       L" ",   L"g.x:y", L"g.-x", L"g.@x", L"g.()"};
     for (const wchar_t* key : bad_keys) {
         store.set_value(key, 1);
     }
-    store.set_value(L"control", std::wstring(L"a\x01" L"b"));
+    store.set_value(L"control", std::wstring(L"a\x01"
+                                             L"b"));
     store.set_value(L"entity", string_vector{L"a&foo;b"});
     store.set_value(L"nothing", boost::any());
     store.set_value(L"unknown", std::type_index(typeid(int)));
@@ -285,12 +286,11 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
         reported.push_back(failure.first);
     }
     EXPECT_EQ(reported, (std::vector<std::wstring>{L" ", L"2nd", L"a b", L"a*", L"a/b", L"a[1]",
-                                                   L"control", L"entity", L"g.()", L"g.-x",
-                                                   L"g.@x", L"g.x:y", L"nothing", L"unknown"}));
+                                                   L"control", L"entity", L"g.()", L"g.-x", L"g.@x",
+                                                   L"g.x:y", L"nothing", L"unknown"}));
     store_t loaded;
     ASSERT_TRUE(loaded.load(dir.path("f.xml")));
-    EXPECT_EQ(names_of(loaded),
-              (std::vector<std::wstring>{L"amp", L"amp_string", L"g.good"}));
+    EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"amp", L"amp_string", L"g.good"}));
     // Container entries go through libxml2's reference parsing; plain strings are escaped.
     EXPECT_EQ(get<string_vector>(loaded, L"amp"), (string_vector{L"a&b"}));
     EXPECT_EQ(get<std::wstring>(loaded, L"amp_string"), L"a&amp;b");
@@ -412,14 +412,15 @@ TEST(config_store, save_into_a_value_element_follows_document_order) {
     store.set_value(L"v.item.deep.er", 3);
     store.set_value(L"v.other", 4);
     ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_EQ(read_file(dir.file("f.xml")), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                            "<root>\n"
-                                            "  <v type=\"string_vector\">\n"
-                                            "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
-                                            "    <item>two</item>\n"
-                                            "    <other type=\"int\">4</other>\n"
-                                            "  </v>\n"
-                                            "</root>\n");
+    EXPECT_EQ(read_file(dir.file("f.xml")),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<root>\n"
+              "  <v type=\"string_vector\">\n"
+              "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
+              "    <item>two</item>\n"
+              "    <other type=\"int\">4</other>\n"
+              "  </v>\n"
+              "</root>\n");
 }
 
 } // namespace

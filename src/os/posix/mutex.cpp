@@ -26,8 +26,12 @@ void destroy_mutex(void* mutex) {
     delete native;
 }
 
-void lock_mutex(void* mutex) { pthread_mutex_lock(static_cast<pthread_mutex_t*>(mutex)); }
+void lock_mutex(void* mutex) {
+    pthread_mutex_lock(static_cast<pthread_mutex_t*>(mutex));
+}
 
-void unlock_mutex(void* mutex) { pthread_mutex_unlock(static_cast<pthread_mutex_t*>(mutex)); }
+void unlock_mutex(void* mutex) {
+    pthread_mutex_unlock(static_cast<pthread_mutex_t*>(mutex));
+}
 
 } // namespace velmor2::_internal::os

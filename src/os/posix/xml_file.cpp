@@ -1,7 +1,7 @@
 // XML file descriptors with flock advisory locks (per open file description, so two opens in
 // one process exclude each other as two processes do).
-#include "os/posix/native.hpp"
 #include "os/xml_file.hpp"
+#include "os/posix/native.hpp"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -45,6 +45,8 @@ int open_xml_for_writing(const std::wstring& printed) {
     return descriptor;
 }
 
-void close_xml_file(int descriptor) { ::close(descriptor); }
+void close_xml_file(int descriptor) {
+    ::close(descriptor);
+}
 
 } // namespace velmor2::_internal::os

@@ -17,8 +17,12 @@ void destroy_mutex(void* mutex) {
     delete section;
 }
 
-void lock_mutex(void* mutex) { EnterCriticalSection(static_cast<CRITICAL_SECTION*>(mutex)); }
+void lock_mutex(void* mutex) {
+    EnterCriticalSection(static_cast<CRITICAL_SECTION*>(mutex));
+}
 
-void unlock_mutex(void* mutex) { LeaveCriticalSection(static_cast<CRITICAL_SECTION*>(mutex)); }
+void unlock_mutex(void* mutex) {
+    LeaveCriticalSection(static_cast<CRITICAL_SECTION*>(mutex));
+}
 
 } // namespace velmor2::_internal::os

@@ -26,6 +26,8 @@ int open_xml_for_writing(const std::wstring& printed) {
     return descriptor;
 }
 
-void close_xml_file(int descriptor) { _close(descriptor); }
+void close_xml_file(int descriptor) {
+    _close(descriptor);
+}
 
 } // namespace velmor2::_internal::os
