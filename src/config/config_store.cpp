@@ -37,8 +37,11 @@ boost::any advanced_xml_config_t::get_value(const std::wstring& name,
 void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any& value) {
     const std::wstring key = _internal::tolower(name);
     boost::any previous;
-    const auto [slot, inserted] = values.try_emplace(key);
-    if (!inserted) {
+    // Files and loops mostly bring keys in ascending order: the end is the likely place, and a
+    // wrong hint costs one comparison.
+    const std::size_t count = values.size();
+    const auto slot = values.try_emplace(values.end(), key);
+    if (values.size() == count) {
         previous.swap(slot->second);
     }
     slot->second = value;
