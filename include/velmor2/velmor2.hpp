@@ -5,3 +5,5 @@
 #include <velmor2/configuration_files.hpp>
 #include <velmor2/file_system.hpp>
 #include <velmor2/standard_directories.hpp>
+#include <velmor2/threading.hpp>
+#include <velmor2/configuration.hpp>

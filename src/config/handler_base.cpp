@@ -1,0 +1,158 @@
+// The XML helpers that value handlers read and write elements with.
+#include <velmor2/configuration.hpp>
+
+#include "config/handler_scope.hpp"
+#include "config/xpath.hpp"
+#include "text/convert.hpp"
+
+#include <libxml/globals.h>
+#include <libxml/tree.h>
+#include <libxml/xmlerror.h>
+
+#include <memory>
+
+namespace velmor2 {
+namespace {
+
+using _internal::to_utf8;
+
+void ignore_error(void*, const char*, ...) {}
+
+const xmlChar* xml_text(const std::string& utf8) {
+    return reinterpret_cast<const xmlChar*>(utf8.c_str());
+}
+
+// Takes over a string libxml2 allocated.
+std::wstring take_text(xmlChar* text) {
+    const auto release = [](xmlChar* p) { xmlFree(p); };
+    std::unique_ptr<xmlChar, decltype(release)> owned(text, release);
+    return _internal::to_ustring(reinterpret_cast<const char*>(text));
+}
+
+std::vector<xmlNode*> select(xmlNode* node, const std::wstring& expression) {
+    std::vector<xmlNode*> nodes;
+    _internal::select_nodes(node, to_utf8(expression), nodes);
+    return nodes;
+}
+
+} // namespace
+
+handler_base_t::handler_base_t() : parent(nullptr) {}
+
+handler_base_t::handler_base_t(const handler_base_t& other) = default;
+
+handler_base_t& handler_base_t::operator=(const handler_base_t& other) = default;
+
+handler_base_t::~handler_base_t() = default;
+
+void handler_base_t::set_parent(const advanced_xml_config_t* store) {
+    parent = store;
+}
+
+std::wstring handler_base_t::get_node_content(xmlNode* node) {
+    if (node == nullptr || node->children == nullptr) {
+        return std::wstring();
+    }
+    return take_text(xmlNodeListGetString(node->doc, node->children, 1));
+}
+
+void handler_base_t::set_node_content(xmlNode* node, const std::wstring& text) const {
+    if (node == nullptr) {
+        return;
+    }
+    const std::string utf8 = to_utf8(text);
+    xmlNodeAddContentLen(node, xml_text(utf8), static_cast<int>(utf8.size()));
+}
+
+void handler_base_t::add_property(xmlNode* node, const std::wstring& name,
+                                  const std::wstring& value) const {
+    if (node == nullptr) {
+        return;
+    }
+    // libxml2 reports a malformed reference in the content on stderr unless told otherwise;
+    // the handler is per thread, so the swap affects no other thread.
+    const xmlGenericErrorFunc saved = xmlGenericError;
+    void* const saved_context = xmlGenericErrorContext;
+    xmlSetGenericErrorFunc(nullptr, ignore_error);
+    xmlNewChild(node, nullptr, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
+    xmlSetGenericErrorFunc(saved_context, saved);
+}
+
+std::wstring handler_base_t::get_property(xmlNode* node, const std::wstring& name) {
+    const std::vector<xmlNode*> nodes = find_nodes(node, name);
+    return nodes.empty() ? std::wstring() : get_node_content(nodes.front());
+}
+
+void handler_base_t::set_property(xmlNode* node, const std::wstring& name,
+                                  const std::wstring& value) const {
+    const std::vector<xmlNode*> nodes = select(node, name);
+    if (nodes.empty()) {
+        add_property(node, name, value);
+    } else {
+        set_node_content(nodes.front(), value);
+    }
+}
+
+std::wstring handler_base_t::get_attribute(xmlNode* node, const std::wstring& name) {
+    if (node == nullptr) {
+        return std::wstring();
+    }
+    const std::string utf8 = to_utf8(name);
+    if (xmlHasProp(node, xml_text(utf8)) == nullptr) {
+        return std::wstring();
+    }
+    return take_text(xmlGetProp(node, xml_text(utf8)));
+}
+
+void handler_base_t::set_attribute(xmlNode* node, const std::wstring& name,
+                                   const std::wstring& value) const {
+    if (node == nullptr) {
+        return;
+    }
+    xmlSetProp(node, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
+}
+
+boost::any handler_base_t::get_any_property(xmlNode* node, const std::wstring& name,
+                                            const std::wstring& type_name) {
+    const std::vector<xmlNode*> nodes = find_nodes(node, name);
+    if (nodes.empty() || parent == nullptr) {
+        return boost::any();
+    }
+    handler_base_t* handler = parent->handler_for_name(type_name);
+    return handler != nullptr ? handler->load_value(nodes.front()) : boost::any();
+}
+
+bool handler_base_t::set_any_property(xmlNode* node, const std::wstring& name,
+                                      const boost::any& value) const {
+    if (node == nullptr) {
+        return false;
+    }
+    const std::vector<xmlNode*> nodes = select(node, name);
+    xmlNode* target = !nodes.empty() ? nodes.front()
+                                     : xmlNewChild(node, nullptr, xml_text(to_utf8(name)), nullptr);
+    handler_base_t* handler = parent != nullptr ? parent->handler_for_type(value.type()) : nullptr;
+    if (handler == nullptr || target == nullptr) {
+        return false;
+    }
+    handler->save_value(value, target);
+    return true;
+}
+
+std::vector<xmlNode*> handler_base_t::find_nodes(xmlNode* node, const std::wstring& expression) {
+    return select(node, expression);
+}
+
+} // namespace velmor2
+
+namespace velmor2::_internal {
+
+handler_scope_t::handler_scope_t(handler_base_t& handler, const advanced_xml_config_t* store)
+    : handler(handler) {
+    handler.set_parent(store);
+}
+
+handler_scope_t::~handler_scope_t() {
+    handler.set_parent(nullptr);
+}
+
+} // namespace velmor2::_internal

@@ -1,0 +1,137 @@
+// The built-in value handlers: one template per shape of value (scalar, container of scalars,
+// map of strings) and the path handler.
+#pragma once
+
+#include <velmor2/configuration.hpp>
+
+#include "config/number_text.hpp"
+
+#include <boost/any.hpp>
+#include <libxml/tree.h>
+
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+#include <vector>
+
+namespace velmor2::_internal {
+
+/// The child elements of `node` named `name` (UTF-8), in document order: what the XPath
+/// expression made of the name selects, without building an XPath context.
+std::vector<xmlNode*> child_elements(xmlNode* node, const char* name);
+
+/// Text of a scalar for the file.
+template <typename T> std::wstring scalar_text(const T& value) {
+    if constexpr (std::is_same_v<T, std::wstring>) {
+        return value;
+    } else {
+        return format_number(value);
+    }
+}
+
+/// Reads a scalar from file text; false when the text does not convert.
+template <typename T> bool scalar_value(const std::wstring& text, T& value) {
+    if constexpr (std::is_same_v<T, std::wstring>) {
+        value = text;
+        return true;
+    } else {
+        return parse_number(text, value);
+    }
+}
+
+/// A scalar (bool, integers, float, double, std::wstring) as the text of its element.
+template <typename T> class generic_handler_t : public handler_base_t {
+  public:
+    explicit generic_handler_t(const std::wstring& type_name) : type_name(type_name) {}
+
+    boost::any load_value(xmlNode* element) override {
+        T value;
+        if (!scalar_value(get_node_content(element), value)) {
+            return boost::any();
+        }
+        return boost::any(value);
+    }
+    void save_value(const boost::any& value, xmlNode* element) override {
+        if (const T* held = boost::any_cast<T>(&value)) {
+            set_node_content(element, scalar_text(*held));
+        }
+    }
+    std::wstring get_type_name() const override { return type_name; }
+    const std::type_info& get_type_info() const override { return typeid(T); }
+
+  private:
+    std::wstring type_name;
+};
+
+/// A sequence container C of E (std::wstring or int) as one `item` child per entry.
+template <typename C, typename E> class generic_container_handler_t : public handler_base_t {
+  public:
+    explicit generic_container_handler_t(const std::wstring& type_name) : type_name(type_name) {}
+
+    boost::any load_value(xmlNode* element) override {
+        C container;
+        for (xmlNode* item : child_elements(element, "item")) {
+            E entry;
+            if (!scalar_value(get_node_content(item), entry)) {
+                entry = E();
+            }
+            container.push_back(entry);
+        }
+        return boost::any(container);
+    }
+    void save_value(const boost::any& value, xmlNode* element) override {
+        if (const C* held = boost::any_cast<C>(&value)) {
+            for (const E& entry : *held) {
+                add_property(element, L"item", scalar_text(entry));
+            }
+        }
+    }
+    std::wstring get_type_name() const override { return type_name; }
+    const std::type_info& get_type_info() const override { return typeid(C); }
+
+  private:
+    std::wstring type_name;
+};
+
+/// A map of strings as one empty `item` child per pair, with attributes `key` and `value`.
+template <typename M> class generic_map_handler_t : public handler_base_t {
+  public:
+    explicit generic_map_handler_t(const std::wstring& type_name) : type_name(type_name) {}
+
+    boost::any load_value(xmlNode* element) override {
+        M map;
+        for (xmlNode* item : child_elements(element, "item")) {
+            map[get_attribute(item, L"key")] = get_attribute(item, L"value");
+        }
+        return boost::any(map);
+    }
+    void save_value(const boost::any& value, xmlNode* element) override {
+        if (const M* held = boost::any_cast<M>(&value)) {
+            for (const auto& pair : *held) {
+                xmlNode* item = xmlNewChild(element, nullptr,
+                                            reinterpret_cast<const xmlChar*>("item"), nullptr);
+                set_attribute(item, L"key", pair.first);
+                set_attribute(item, L"value", pair.second);
+            }
+        }
+    }
+    std::wstring get_type_name() const override { return type_name; }
+    const std::type_info& get_type_info() const override { return typeid(M); }
+
+  private:
+    std::wstring type_name;
+};
+
+/// A `path_t` as the text of `as_string()`.
+class path_t_handler_t : public handler_base_t {
+  public:
+    boost::any load_value(xmlNode* element) override;
+    void save_value(const boost::any& value, xmlNode* element) override;
+    std::wstring get_type_name() const override;
+    const std::type_info& get_type_info() const override;
+};
+
+/// Appends the fourteen built-in handlers, in their fixed order, to `handlers`.
+void add_builtin_handlers(std::list<smart_pointer_t<handler_base_t>>& handlers);
+
+} // namespace velmor2::_internal

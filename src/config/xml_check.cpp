@@ -1,0 +1,122 @@
+// Checks on a written value element before it goes to the file.
+#include "config/xml_check.hpp"
+#include "text/convert.hpp"
+
+#include <cstring>
+
+namespace velmor2::_internal {
+namespace {
+
+bool is_xml_char(char32_t c) {
+    return c == 0x9 || c == 0xA || c == 0xD || (c >= 0x20 && c <= 0xD7FF) ||
+           (c >= 0xE000 && c <= 0xFFFD) || (c >= 0x10000 && c <= 0x10FFFF);
+}
+
+// Every sequence valid UTF-8 and an XML character.
+bool has_xml_chars(const xmlChar* text) {
+    if (text == nullptr) {
+        return true;
+    }
+    const char* p = reinterpret_cast<const char*>(text);
+    std::size_t left = std::strlen(p);
+    while (left > 0) {
+        if (!validate_utf8(p, left)) {
+            return false;
+        }
+        const std::size_t length = get_utf8_length(p, left);
+        const auto lead = static_cast<unsigned char>(p[0]);
+        char32_t c = length == 1 ? lead : lead & (0x7F >> length);
+        for (std::size_t i = 1; i < length; ++i) {
+            c = (c << 6) | (static_cast<unsigned char>(p[i]) & 0x3F);
+        }
+        if (!is_xml_char(c)) {
+            return false;
+        }
+        p += length;
+        left -= length;
+    }
+    return true;
+}
+
+bool attributes_loadable(const xmlNode* element) {
+    for (const xmlAttr* attribute = element->properties; attribute != nullptr;
+         attribute = attribute->next) {
+        if (attribute->ns != nullptr ||
+            !is_element_name(reinterpret_cast<const char*>(attribute->name))) {
+            return false;
+        }
+        for (const xmlAttr* other = attribute->next; other != nullptr; other = other->next) {
+            if (xmlStrEqual(attribute->name, other->name)) {
+                return false;
+            }
+        }
+        for (const xmlNode* part = attribute->children; part != nullptr; part = part->next) {
+            if (part->type != XML_TEXT_NODE || !has_xml_chars(part->content)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool content_loadable(const xmlNode* node, std::size_t depth) {
+    for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
+        switch (child->type) {
+        case XML_ELEMENT_NODE:
+            if (depth >= max_element_depth || child->ns != nullptr ||
+                !is_element_name(reinterpret_cast<const char*>(child->name)) ||
+                !attributes_loadable(child) || !content_loadable(child, depth + 1)) {
+                return false;
+            }
+            break;
+        case XML_TEXT_NODE:
+        case XML_CDATA_SECTION_NODE:
+            if (!has_xml_chars(child->content)) {
+                return false;
+            }
+            break;
+        case XML_COMMENT_NODE: {
+            const char* text = reinterpret_cast<const char*>(child->content);
+            const std::size_t length = text != nullptr ? std::strlen(text) : 0;
+            if (!has_xml_chars(child->content) ||
+                (text != nullptr && std::strstr(text, "--") != nullptr) ||
+                (length > 0 && text[length - 1] == '-')) {
+                return false;
+            }
+            break;
+        }
+        default:
+            // Entity references, processing instructions and anything else a value has no
+            // business holding.
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+bool is_element_name(const std::string& name) {
+    return !name.empty() &&
+           xmlValidateNCName(reinterpret_cast<const xmlChar*>(name.c_str()), 0) == 0;
+}
+
+bool is_loadable(const xmlNode* element) {
+    std::size_t depth = 0;
+    for (const xmlNode* node = element; node != nullptr && node->type == XML_ELEMENT_NODE;
+         node = node->parent) {
+        ++depth;
+    }
+    return depth <= max_element_depth && attributes_loadable(element) &&
+           content_loadable(element, depth);
+}
+
+void clear_element(xmlNode* element) {
+    xmlFreePropList(element->properties);
+    element->properties = nullptr;
+    xmlFreeNodeList(element->children);
+    element->children = nullptr;
+    element->last = nullptr;
+}
+
+} // namespace velmor2::_internal

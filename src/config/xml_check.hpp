@@ -1,0 +1,28 @@
+// Whether what a save is about to write reads back: names and characters a parser accepts.
+#pragma once
+
+#include <libxml/tree.h>
+
+#include <string>
+
+namespace velmor2::_internal {
+
+/// True when `name` (UTF-8) is an XML name without a colon, usable as an element name that a
+/// parser and an XPath name test both accept.
+///
+///   width => true      2nd => false     a b => false     a/b, a*, a[1], x:y, "" => false
+bool is_element_name(const std::string& name);
+
+/// Deepest element nesting, the root counting as 1, that the parser accepts.
+constexpr std::size_t max_element_depth = 256;
+
+/// True when the attributes and the whole content of `element` serialise to XML that parses
+/// again: names valid, every character allowed in XML 1.0, no entity reference (a parser
+/// without the declaration rejects it), no attribute twice, comments without "--", no element
+/// nested deeper than `max_element_depth`.
+bool is_loadable(const xmlNode* element);
+
+/// Removes the attributes and content of `element`, leaving an empty group element.
+void clear_element(xmlNode* element);
+
+} // namespace velmor2::_internal

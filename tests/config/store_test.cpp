@@ -1,0 +1,426 @@
+#include <velmor2/configuration.hpp>
+
+#include "config_files.hpp"
+
+#include <gtest/gtest.h>
+
+#include <list>
+#include <locale>
+#include <map>
+#include <string>
+#include <typeindex>
+#include <vector>
+
+namespace {
+
+using config_test::read_file;
+using config_test::temp_dir_t;
+using config_test::write_file;
+using velmor2::advanced_xml_config_t;
+
+using string_vector = std::vector<std::wstring>;
+using string_list = std::list<std::wstring>;
+using string_map = std::map<std::wstring, std::wstring>;
+
+// Records what the hooks report.
+struct store_t : advanced_xml_config_t {
+    std::vector<std::pair<std::wstring, std::wstring>> load_failures;
+    std::vector<std::pair<std::wstring, std::type_index>> save_failures;
+
+  protected:
+    void on_load_value_failed(const std::wstring& name, const std::wstring& type_name) override {
+        load_failures.emplace_back(name, type_name);
+    }
+    void on_save_value_failed(const std::wstring& name, const std::type_info& type) override {
+        save_failures.emplace_back(name, std::type_index(type));
+    }
+};
+
+// Records every change notification.
+struct watcher_t : velmor2::_internal::subscriber_base_t {
+    struct change_t {
+        std::wstring key;
+        boost::any previous;
+        boost::any value;
+    };
+    std::vector<change_t> changes;
+    void on_change(const std::wstring& key, const boost::any& previous, const boost::any& value) {
+        changes.push_back({key, previous, value});
+    }
+};
+
+template <typename T> T get(advanced_xml_config_t& store, const std::wstring& key) {
+    return boost::any_cast<T>(store.get_value(key, boost::any()));
+}
+
+std::vector<std::wstring> names_of(const advanced_xml_config_t& store) {
+    std::vector<std::wstring> names{L"stale"};
+    store.get_names(names);
+    return names;
+}
+
+TEST(config_store, every_value_type_survives_save_and_load) {
+    temp_dir_t dir;
+    store_t store;
+    store.set_value(L"t.bool", true);
+    store.set_value(L"t.int", -2147483647 - 1);
+    store.set_value(L"t.long", -9000000000L);
+    store.set_value(L"t.ulong", 18446744073709551615UL);
+    store.set_value(L"t.ushort", static_cast<unsigned short>(65535));
+    store.set_value(L"t.uint", 4294967295U);
+    store.set_value(L"t.float", 0.25f);
+    store.set_value(L"t.double", -1.5e-7);
+    store.set_value(L"t.string", std::wstring(L"  <a & b> \"q\" \u00e4\u20ac\U0001F600\n  "));
+    store.set_value(L"t.vector", string_vector{L"a", L"", L"c d"});
+    store.set_value(L"t.list", string_list{L"x", L"y"});
+    store.set_value(L"t.ints", std::vector<int>{3, -1, 0});
+    store.set_value(L"t.map", string_map{{L"k", L"v\"<"}, {L"", L"empty key"}});
+    store.set_value(L"t.path", velmor2::make_path(L"C:\\Program Files\\x.txt"));
+    store.set_value(L"t.empty_vector", string_vector{});
+    ASSERT_TRUE(store.save(dir.path("all.xml")));
+
+    store_t loaded;
+    ASSERT_TRUE(loaded.load(dir.path("all.xml")));
+    EXPECT_EQ(names_of(loaded), names_of(store));
+    EXPECT_TRUE(loaded.load_failures.empty());
+    EXPECT_TRUE(store.save_failures.empty());
+    EXPECT_EQ(get<bool>(loaded, L"t.bool"), true);
+    EXPECT_EQ(get<int>(loaded, L"t.int"), -2147483647 - 1);
+    EXPECT_EQ(get<long>(loaded, L"t.long"), -9000000000L);
+    EXPECT_EQ(get<unsigned long>(loaded, L"t.ulong"), 18446744073709551615UL);
+    EXPECT_EQ(get<unsigned short>(loaded, L"t.ushort"), 65535);
+    EXPECT_EQ(get<unsigned int>(loaded, L"t.uint"), 4294967295U);
+    EXPECT_EQ(get<float>(loaded, L"t.float"), 0.25f);
+    EXPECT_DOUBLE_EQ(get<double>(loaded, L"t.double"), -1.5e-7);
+    EXPECT_EQ(get<std::wstring>(loaded, L"t.string"),
+              L"  <a & b> \"q\" \u00e4\u20ac\U0001F600\n  ");
+    EXPECT_EQ(get<string_vector>(loaded, L"t.vector"), (string_vector{L"a", L"", L"c d"}));
+    EXPECT_EQ(get<string_list>(loaded, L"t.list"), (string_list{L"x", L"y"}));
+    EXPECT_EQ(get<std::vector<int>>(loaded, L"t.ints"), (std::vector<int>{3, -1, 0}));
+    EXPECT_EQ(get<string_map>(loaded, L"t.map"),
+              (string_map{{L"k", L"v\"<"}, {L"", L"empty key"}}));
+    EXPECT_EQ(get<velmor2::path_t>(loaded, L"t.path"),
+              velmor2::make_path(L"C:\\Program Files\\x.txt"));
+    EXPECT_TRUE(get<string_vector>(loaded, L"t.empty_vector").empty());
+}
+
+TEST(config_store, file_format_byte_for_byte) {
+    temp_dir_t dir;
+    advanced_xml_config_t store;
+    store.set_value(L"General.Width", 10);
+    store.set_value(L"recent", string_vector{L"a", L"b"});
+    store.set_value(L"general.ratio", 1.0 / 3.0);
+    store.set_value(L"map", string_map{{L"k", L"v"}});
+    store.set_value(L"big", 1e6);
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    EXPECT_EQ(read_file(dir.file("f.xml")), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                            "<root>\n"
+                                            "  <big type=\"double\">1e+06</big>\n"
+                                            "  <general>\n"
+                                            "    <ratio type=\"double\">0.333333</ratio>\n"
+                                            "    <width type=\"int\">10</width>\n"
+                                            "  </general>\n"
+                                            "  <map type=\"string_string_map\">\n"
+                                            "    <item key=\"k\" value=\"v\"/>\n"
+                                            "  </map>\n"
+                                            "  <recent type=\"string_vector\">\n"
+                                            "    <item>a</item>\n"
+                                            "    <item>b</item>\n"
+                                            "  </recent>\n"
+                                            "</root>\n");
+}
+
+TEST(config_store, keys_are_case_insensitive_and_listed_lower_case) {
+    advanced_xml_config_t store;
+    store.set_value(L"General.Width", 10);
+    EXPECT_EQ(boost::any_cast<int>(store.get_value(L"GENERAL.width", 0)), 10);
+    EXPECT_TRUE(store.has_value(L"general.WIDTH"));
+    EXPECT_FALSE(store.has_value(L"general"));
+    EXPECT_EQ(boost::any_cast<int>(store.get_value(L"missing", 42)), 42);
+    EXPECT_EQ(names_of(store), (std::vector<std::wstring>{L"general.width"}));
+}
+
+TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
+    struct case_t {
+        const char* element;
+        bool empty;
+    };
+    const case_t cases[] = {
+        {"<x type=\"int\">abc</x>", true},
+        {"<x type=\"int\">12abc</x>", true},
+        {"<x type=\"int\"> 1</x>", true},
+        {"<x type=\"int\">1 </x>", true},
+        {"<x type=\"int\"></x>", true},
+        {"<x type=\"int\">99999999999</x>", true},
+        {"<x type=\"int\">+5</x>", false},
+        {"<x type=\"int\">1,000</x>", true},
+        {"<x type=\"bool\">true</x>", true},
+        {"<x type=\"bool\"> 1</x>", true},
+        {"<x type=\"bool\">2</x>", true},
+        {"<x type=\"bool\">1</x>", false},
+        {"<x type=\"unsigned int\">-1</x>", true},
+        {"<x type=\"unsigned short\">65536</x>", true},
+        {"<x type=\"double\">0,5</x>", true},
+        {"<x type=\"double\">1e400</x>", true},
+        {"<x type=\"double\">0x10</x>", true},
+        {"<x type=\"float\">1.5</x>", false},
+        {"<x type=\"long\">\xD9\xA1</x>", true},
+        {"<x type=\"string\"></x>", false},
+    };
+    temp_dir_t dir;
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(c.element);
+        write_file(dir.file("f.xml"), std::string("<root>") + c.element + "</root>");
+        store_t store;
+        ASSERT_TRUE(store.load(dir.path("f.xml")));
+        EXPECT_TRUE(store.has_value(L"x"));
+        EXPECT_EQ(store.get_value(L"x", 7).empty(), c.empty);
+    }
+}
+
+TEST(config_store, hand_written_containers_unknown_types_duplicates_and_roots) {
+    temp_dir_t dir;
+    write_file(dir.file("f.xml"),
+               "<?xml version=\"1.0\"?>\n<Settings>\n"
+               "  <!-- a comment -->\n"
+               "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
+               "<other>9</other></ints>\n"
+               "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
+               "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
+               "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
+               "  <g><n type=\"int\">2</n></g>\n"
+               "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
+               "  <plain>text</plain>\n"
+               "</Settings>\n");
+    store_t store;
+    watcher_t watcher;
+    store.value_changed.connect(&watcher, &watcher_t::on_change);
+    ASSERT_TRUE(store.load(dir.path("f.xml")));
+    EXPECT_EQ(get<std::vector<int>>(store, L"ints"), (std::vector<int>{1, 0, 3}));
+    EXPECT_EQ(get<string_map>(store, L"map"), (string_map{{L"a", L"2"}, {L"", L"no key"}}));
+    EXPECT_EQ(get<int>(store, L"g.n"), 2);
+    EXPECT_EQ(get<int>(store, L"v"), 5);
+    EXPECT_FALSE(store.has_value(L"v.inner"));
+    EXPECT_FALSE(store.has_value(L"plain"));
+    ASSERT_EQ(store.load_failures.size(), 1u);
+    EXPECT_EQ(store.load_failures[0].first, L"g.Upper");
+    EXPECT_EQ(store.load_failures[0].second, L"Int");
+    EXPECT_EQ(names_of(store), (std::vector<std::wstring>{L"g.n", L"ints", L"map", L"v"}));
+
+    // One notification per value element; the duplicate carries the earlier value.
+    ASSERT_EQ(watcher.changes.size(), 5u);
+    const watcher_t::change_t& duplicate = watcher.changes[3];
+    EXPECT_EQ(duplicate.key, L"g.n");
+    EXPECT_EQ(boost::any_cast<int>(duplicate.previous), 1);
+    EXPECT_EQ(boost::any_cast<int>(duplicate.value), 2);
+    EXPECT_TRUE(watcher.changes[0].previous.empty());
+}
+
+TEST(config_store, failed_load_keeps_the_values) {
+    temp_dir_t dir;
+    write_file(dir.file("bad.xml"), "<root><x type=\"int\">1</x>");
+    advanced_xml_config_t store;
+    store.set_value(L"kept", 1);
+    EXPECT_FALSE(store.load(dir.path("bad.xml")));
+    EXPECT_FALSE(store.load(dir.path("missing.xml")));
+    EXPECT_TRUE(store.has_value(L"kept"));
+    write_file(dir.file("good.xml"), "<root/>");
+    EXPECT_TRUE(store.load(dir.path("good.xml")));
+    EXPECT_FALSE(store.has_value(L"kept"));
+}
+
+TEST(config_store, set_value_notifies_every_call_with_key_previous_and_value) {
+    advanced_xml_config_t store;
+    watcher_t watcher;
+    store.value_changed.connect(&watcher, &watcher_t::on_change);
+    store.set_value(L"A.B", 1);
+    store.set_value(L"a.b", 1);
+    store.set_value(L"a.b", std::wstring(L"x"));
+    ASSERT_EQ(watcher.changes.size(), 3u);
+    EXPECT_EQ(watcher.changes[0].key, L"a.b");
+    EXPECT_TRUE(watcher.changes[0].previous.empty());
+    EXPECT_EQ(boost::any_cast<int>(watcher.changes[1].previous), 1);
+    EXPECT_EQ(boost::any_cast<int>(watcher.changes[2].previous), 1);
+    EXPECT_EQ(boost::any_cast<std::wstring>(watcher.changes[2].value), L"x");
+}
+
+TEST(config_store, prefix_keys_empty_pieces_and_shared_elements) {
+    temp_dir_t dir;
+    store_t store;
+    store.set_value(L"a", 1);
+    store.set_value(L"a.b", 2);
+    store.set_value(L"", 3);
+    store.set_value(L"...", 4);
+    store.set_value(L"x..y", 5);
+    store.set_value(L"x.y", 6);
+    store.set_value(L".p.", 7);
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    EXPECT_TRUE(store.save_failures.empty());
+    store_t loaded;
+    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
+    EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"a", L"p", L"x.y"}));
+    EXPECT_EQ(get<int>(loaded, L"x.y"), 5);
+    EXPECT_EQ(get<int>(loaded, L"p"), 7);
+}
+
+TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
+    temp_dir_t dir;
+    store_t store;
+    const wchar_t* const bad_keys[] = {L"2nd", L"a b",   L"a/b",  L"a*",   L"a[1]",
+                                       L" ",   L"g.x:y", L"g.-x", L"g.@x", L"g.()"};
+    for (const wchar_t* key : bad_keys) {
+        store.set_value(key, 1);
+    }
+    store.set_value(L"control", std::wstring(L"a\x01"
+                                             L"b"));
+    store.set_value(L"entity", string_vector{L"a&foo;b"});
+    store.set_value(L"nothing", boost::any());
+    store.set_value(L"unknown", std::type_index(typeid(int)));
+    store.set_value(L"g.good", 1);
+    store.set_value(L"amp", string_vector{L"a&amp;b"});
+    store.set_value(L"amp_string", std::wstring(L"a&amp;b"));
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+
+    std::vector<std::wstring> reported;
+    for (const auto& failure : store.save_failures) {
+        reported.push_back(failure.first);
+    }
+    EXPECT_EQ(reported, (std::vector<std::wstring>{L" ", L"2nd", L"a b", L"a*", L"a/b", L"a[1]",
+                                                   L"control", L"entity", L"g.()", L"g.-x", L"g.@x",
+                                                   L"g.x:y", L"nothing", L"unknown"}));
+    store_t loaded;
+    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
+    EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"amp", L"amp_string", L"g.good"}));
+    // Container entries go through libxml2's reference parsing; plain strings are escaped.
+    EXPECT_EQ(get<string_vector>(loaded, L"amp"), (string_vector{L"a&b"}));
+    EXPECT_EQ(get<std::wstring>(loaded, L"amp_string"), L"a&amp;b");
+}
+
+TEST(config_store, floating_point_keeps_six_significant_digits) {
+    temp_dir_t dir;
+    advanced_xml_config_t store;
+    store.set_value(L"d", 0.123456789);
+    store.set_value(L"f", 1234567.0f);
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    advanced_xml_config_t loaded;
+    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
+    EXPECT_EQ(get<double>(loaded, L"d"), 0.123457);
+    EXPECT_EQ(get<float>(loaded, L"f"), 1.23457e6f);
+}
+
+// A locale that writes 1.234,5 as a German one does.
+struct comma_numpunct_t : std::numpunct<wchar_t> {
+    wchar_t do_decimal_point() const override { return L','; }
+    wchar_t do_thousands_sep() const override { return L'.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+struct comma_numpunct_narrow_t : std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(config_store, numbers_use_the_classic_form_whatever_the_global_locale) {
+    struct restore_t {
+        std::locale saved = std::locale();
+        ~restore_t() { std::locale::global(saved); }
+    } restore;
+    std::locale::global(std::locale(std::locale(std::locale::classic(), new comma_numpunct_t),
+                                    new comma_numpunct_narrow_t));
+    temp_dir_t dir;
+    advanced_xml_config_t store;
+    store.set_value(L"half", 0.5);
+    store.set_value(L"big", 1234567);
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    const std::string text = read_file(dir.file("f.xml"));
+    EXPECT_NE(text.find(">0.5<"), std::string::npos);
+    EXPECT_NE(text.find(">1234567<"), std::string::npos);
+    advanced_xml_config_t loaded;
+    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
+    EXPECT_EQ(get<double>(loaded, L"half"), 0.5);
+    EXPECT_EQ(get<int>(loaded, L"big"), 1234567);
+    write_file(dir.file("g.xml"), "<root><n type=\"int\">1.234</n></root>");
+    ASSERT_TRUE(loaded.load(dir.path("g.xml")));
+    EXPECT_TRUE(loaded.get_value(L"n", 0).empty());
+}
+
+// A point as <p type="point"><x>1</x><y>2</y></p>, through the typed-property helpers.
+struct point_t {
+    int x = 0;
+    int y = 0;
+};
+struct point_handler_t : velmor2::handler_base_t {
+    boost::any load_value(xmlNode* element) override {
+        point_t point;
+        point.x = boost::any_cast<int>(get_any_property(element, L"x", L"int"));
+        point.y = boost::any_cast<int>(get_any_property(element, L"y", L"int"));
+        return point;
+    }
+    void save_value(const boost::any& value, xmlNode* element) override {
+        const point_t point = boost::any_cast<point_t>(value);
+        set_any_property(element, L"x", point.x);
+        set_any_property(element, L"y", point.y);
+    }
+    std::wstring get_type_name() const override { return L"point"; }
+    const std::type_info& get_type_info() const override { return typeid(point_t); }
+};
+
+TEST(config_store, added_handler_extends_types_and_is_shared_by_copies_made_before) {
+    temp_dir_t dir;
+    store_t store;
+    store_t before(store);
+    store.add_handler(velmor2::smart_pointer_t<velmor2::handler_base_t>(new point_handler_t));
+    store_t after(store);
+    store.set_value(L"p", point_t{3, 4});
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    EXPECT_NE(read_file(dir.file("f.xml")).find("<p type=\"point\">\n    <x>3</x>\n    <y>4</y>"),
+              std::string::npos);
+    ASSERT_TRUE(after.load(dir.path("f.xml")));
+    EXPECT_EQ(get<point_t>(after, L"p").y, 4);
+    ASSERT_TRUE(before.load(dir.path("f.xml")));
+    EXPECT_FALSE(before.has_value(L"p"));
+    ASSERT_EQ(before.load_failures.size(), 1u);
+    EXPECT_EQ(before.load_failures[0].second, L"point");
+}
+
+TEST(config_store, copies_clone_values_and_connections) {
+    advanced_xml_config_t store;
+    watcher_t watcher;
+    store.value_changed.connect(&watcher, &watcher_t::on_change);
+    store.set_value(L"k", 1);
+    advanced_xml_config_t copy(store);
+    copy.set_value(L"k", 2);
+    EXPECT_EQ(get<int>(store, L"k"), 1);
+    EXPECT_EQ(watcher.changes.size(), 2u);
+    advanced_xml_config_t assigned;
+    assigned = copy;
+    const advanced_xml_config_t& same = assigned;
+    assigned = same;
+    assigned.set_value(L"k", 3);
+    EXPECT_EQ(get<int>(copy, L"k"), 2);
+    EXPECT_EQ(watcher.changes.size(), 3u);
+}
+
+TEST(config_store, save_into_a_value_element_follows_document_order) {
+    // Keys that reach into a value element find its first matching child, as an XPath query
+    // of the key's pieces from the root would.
+    temp_dir_t dir;
+    store_t store;
+    store.set_value(L"v", string_vector{L"one", L"two"});
+    store.set_value(L"v.item", 1);
+    store.set_value(L"v.item.deep", 2);
+    store.set_value(L"v.item.deep.er", 3);
+    store.set_value(L"v.other", 4);
+    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    EXPECT_EQ(read_file(dir.file("f.xml")),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<root>\n"
+              "  <v type=\"string_vector\">\n"
+              "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
+              "    <item>two</item>\n"
+              "    <other type=\"int\">4</other>\n"
+              "  </v>\n"
+              "</root>\n");
+}
+
+} // namespace
