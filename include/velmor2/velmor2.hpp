@@ -2,3 +2,4 @@
 #pragma once
 
 #include <velmor2/path.hpp>
+#include <velmor2/text_file.hpp>
