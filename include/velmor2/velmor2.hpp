@@ -2,4 +2,5 @@
 #pragma once
 
 #include <velmor2/path.hpp>
+#include <velmor2/hash.hpp>
 #include <velmor2/text_file.hpp>
