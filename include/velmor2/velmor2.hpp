@@ -3,4 +3,5 @@
 
 #include <velmor2/path.hpp>
 #include <velmor2/hash.hpp>
+#include <velmor2/runtime.hpp>
 #include <velmor2/text_file.hpp>
