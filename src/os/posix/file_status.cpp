@@ -23,9 +23,7 @@ std::wstring native_text(const std::wstring& printed) {
     return out;
 }
 
-std::string native_bytes(const std::wstring& printed) {
-    return to_utf8(native_text(printed));
-}
+std::string native_bytes(const std::wstring& printed) { return to_utf8(native_text(printed)); }
 
 bool get_attributes(const std::wstring& text, attributes_t& attributes, error_kind_t& error) {
     struct stat st;
@@ -40,13 +38,9 @@ bool get_attributes(const std::wstring& text, attributes_t& attributes, error_ki
     return true;
 }
 
-bool drive_has_root(wchar_t) {
-    return false;
-}
+bool drive_has_root(wchar_t) { return false; }
 
-bool is_cdrom_drive(wchar_t) {
-    return false;
-}
+bool is_cdrom_drive(wchar_t) { return false; }
 
 write_access_t check_write_access(const std::wstring& text) {
     const std::string native = native_bytes(text);

@@ -10,8 +10,7 @@ std::string to_ansi(const std::wstring& text) {
         return {};
     }
     const int size = static_cast<int>(text.size());
-    const int needed =
-        WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
+    const int needed = WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
     std::string out(static_cast<std::size_t>(needed > 0 ? needed : 0), '\0');
     if (needed > 0) {
         WideCharToMultiByte(CP_ACP, 0, text.data(), size, out.data(), needed, "?", nullptr);

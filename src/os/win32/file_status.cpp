@@ -8,9 +8,7 @@
 namespace velmor2::_internal::os {
 namespace {
 
-std::wstring drive_root(wchar_t letter) {
-    return std::wstring(1, letter) + L":\\";
-}
+std::wstring drive_root(wchar_t letter) { return std::wstring(1, letter) + L":\\"; }
 
 struct handle_closer_t {
     void operator()(HANDLE h) const { CloseHandle(h); }
@@ -32,9 +30,7 @@ unique_handle_t open_caller_token() {
 
 } // namespace
 
-std::wstring native_text(const std::wstring& printed) {
-    return printed;
-}
+std::wstring native_text(const std::wstring& printed) { return printed; }
 
 bool get_attributes(const std::wstring& text, attributes_t& attributes, error_kind_t& error) {
     const DWORD value = GetFileAttributesW(text.c_str());
