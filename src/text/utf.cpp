@@ -1,14 +1,13 @@
 // UTF-8, UTF-16 and UTF-32 coding shared by every conversion of the library.
 #include "text/convert.hpp"
 
+
 namespace velmor2::_internal {
 namespace {
 
 constexpr bool wide_is_utf16 = sizeof(wchar_t) == 2;
 
-bool is_surrogate(char32_t c) {
-    return c >= 0xD800 && c <= 0xDFFF;
-}
+bool is_surrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
 struct decoded_t {
     std::size_t length; // bytes consumed, as get_utf8_length counts them
@@ -168,9 +167,7 @@ std::wstring to_ustring(const wchar_t* text) {
     return text == nullptr ? std::wstring() : std::wstring(text);
 }
 
-std::wstring to_ustring(const std::wstring& text) {
-    return text;
-}
+std::wstring to_ustring(const std::wstring& text) { return text; }
 
 std::wstring to_ustring(const char16_t* utf16) {
     if (utf16 == nullptr) {
