@@ -52,9 +52,7 @@ TEST(utf8_conversion, round_trips_every_plane) {
 }
 
 TEST(utf8_conversion, invalid_bytes_become_replacement_characters) {
-    EXPECT_EQ(to_ustring(std::string("a\xFF"
-                                     "b\xE2\x82")),
-              L"a\uFFFDb\uFFFD");
+    EXPECT_EQ(to_ustring(std::string("a\xFF" "b\xE2\x82")), L"a\uFFFDb\uFFFD");
     EXPECT_EQ(to_ustring(std::string("\xED\xA0\x80")), L"\uFFFD\uFFFD\uFFFD");
 }
 
@@ -81,8 +79,7 @@ TEST(lower_case, ignores_the_process_locale) {
     for (const char* locale : {"C", "C.UTF-8", "tr_TR.UTF-8"}) {
         SCOPED_TRACE(locale);
         std::setlocale(LC_ALL, locale);
-        EXPECT_EQ(tolower(std::wstring(L"\u00c4\u03a3IZ\u0130\u0401")),
-                  L"\u00e4\u03c3iz\u0069\u0451");
+        EXPECT_EQ(tolower(std::wstring(L"\u00c4\u03a3IZ\u0130\u0401")), L"\u00e4\u03c3iz\u0069\u0451");
         EXPECT_EQ(tolower(std::wstring(L"already lower 123")), L"already lower 123");
     }
     std::setlocale(LC_ALL, saved.c_str());
