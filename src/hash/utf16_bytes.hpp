@@ -13,6 +13,10 @@
 
 namespace velmor2::_internal {
 
+/// Copies characters of the basic plane from `p` (at most `count`) into `out` as UTF-16 units,
+/// stopping before the first one that is not; returns how many were copied.
+std::size_t copy_bmp_units(const wchar_t* p, std::size_t count, char16_t* out);
+
 /// Calls `sink(const std::uint8_t* bytes, std::size_t size)` with the UTF-16LE bytes of
 /// `text`, in order, in one or more pieces. Where `wchar_t` is UTF-16 these are the string's own
 /// units; where it is UTF-32, characters above U+FFFF become surrogate pairs, a lone surrogate
@@ -24,38 +28,28 @@ template <typename Sink> void for_each_utf16_piece(const std::wstring& text, Sin
         }
     } else {
         // Converted in pieces that stay in the first-level cache.
-        constexpr std::size_t block = 16;
-        char16_t units[2048 + 2 * block];
+        constexpr std::size_t capacity = 2048;
+        char16_t units[capacity];
         std::size_t n = 0;
         const wchar_t* p = text.data();
         const wchar_t* const end = p + text.size();
         while (p != end) {
-            const std::size_t take = std::min<std::size_t>(block, end - p);
-            std::uint32_t any = 0;
-            for (std::size_t i = 0; i < take; ++i) {
-                any |= static_cast<std::uint32_t>(p[i]);
-            }
-            if (any < 0x10000) {
-                // The common case, all in the basic plane: a plain narrowing copy.
-                for (std::size_t i = 0; i < take; ++i) {
-                    units[n + i] = static_cast<char16_t>(p[i]);
-                }
-                n += take;
-            } else {
-                for (std::size_t i = 0; i < take; ++i) {
-                    const auto c = static_cast<std::uint32_t>(p[i]);
-                    if (c < 0x10000) {
-                        units[n++] = static_cast<char16_t>(c);
-                    } else if (c <= 0x10FFFF) {
-                        units[n++] = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-                        units[n++] = static_cast<char16_t>(0xDC00 + (c & 0x3FF));
-                    } else {
-                        units[n++] = 0xFFFD;
-                    }
+            const std::size_t copied =
+                copy_bmp_units(p, std::min<std::size_t>(end - p, capacity - n), units + n);
+            p += copied;
+            n += copied;
+            if (p != end && n + 2 <= capacity) {
+                const auto c = static_cast<std::uint32_t>(*p++);
+                if (c < 0x10000) {
+                    units[n++] = static_cast<char16_t>(c);
+                } else if (c <= 0x10FFFF) {
+                    units[n++] = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+                    units[n++] = static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+                } else {
+                    units[n++] = 0xFFFD;
                 }
             }
-            p += take;
-            if (n >= 2048) {
+            if (n + 2 > capacity) {
                 sink(reinterpret_cast<const std::uint8_t*>(units), n * 2);
                 n = 0;
             }
