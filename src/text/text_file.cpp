@@ -4,12 +4,37 @@
 #include "os/data_file.hpp"
 #include "text/convert.hpp"
 #include "text/detect.hpp"
+#include "text/encode.hpp"
 
 #include <algorithm>
 #include <locale>
 #include <vector>
 
 namespace velmor2 {
+
+namespace _internal {
+
+std::string encode_text(const std::wstring& text, code_page_t cp) {
+    switch (cp) {
+    case cp_utf8:
+        return to_utf8(text);
+    case cp_utf16: {
+        const std::u16string units = to_utf16(text);
+        std::string bytes = "\xFF\xFE";
+        bytes.reserve(2 + units.size() * 2);
+        for (const char16_t unit : units) {
+            bytes += static_cast<char>(unit & 0xFF);
+            bytes += static_cast<char>(unit >> 8);
+        }
+        return bytes;
+    }
+    default:
+        return to_ansi(text);
+    }
+}
+
+} // namespace _internal
+
 namespace {
 
 // Two zero bytes after the content end the text as a zero character of either width.
@@ -55,25 +80,6 @@ std::wstring decode(code_page_t cp, const std::vector<char>& bytes) {
     }
 }
 
-std::string encode(const std::wstring& text, code_page_t cp) {
-    switch (cp) {
-    case cp_utf8:
-        return _internal::to_utf8(text);
-    case cp_utf16: {
-        const std::u16string units = _internal::to_utf16(text);
-        std::string bytes = "\xFF\xFE";
-        bytes.reserve(2 + units.size() * 2);
-        for (const char16_t unit : units) {
-            bytes += static_cast<char>(unit & 0xFF);
-            bytes += static_cast<char>(unit >> 8);
-        }
-        return bytes;
-    }
-    default:
-        return _internal::to_ansi(text);
-    }
-}
-
 const std::wstring declaration_end = L"?>";
 
 } // namespace
@@ -88,7 +94,7 @@ std::wstring get_file_content(code_page_t cp, const path_t& file) {
 }
 
 bool set_file_content(const std::wstring& text, code_page_t cp, const path_t& file) {
-    const std::string bytes = encode(text, cp);
+    const std::string bytes = _internal::encode_text(text, cp);
     _internal::os::data_file_t stream;
     return stream.open_write(file.as_string()) && stream.write(bytes.data(), bytes.size());
 }
