@@ -4,12 +4,14 @@
 #include <velmor2/export.hpp>
 #include <velmor2/path.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace velmor2 {
 
-/// The encoding of a text file.
-enum code_page_t {
+/// The encoding of a text file, stored as a 32-bit integer (every value of which is valid: the
+/// functions treat values they do not know as `cp_ansi`).
+enum code_page_t : std::int32_t {
     cp_unknown = 0, ///< the file could not be opened; read and written like `cp_ansi`
     cp_utf8 = 1,    ///< UTF-8, no byte-order mark written or required
     cp_utf16 = 2,   ///< UTF-16 little-endian after the byte-order mark FF FE

@@ -89,7 +89,8 @@ TEST(shared_lib, assignment_and_release) {
     target = source;
     EXPECT_TRUE(target);
     EXPECT_EQ(call(target, L"velmor_plugin_answer"), 42);
-    target = target;
+    shared_lib_t& alias = target;
+    target = alias;
     EXPECT_TRUE(target);
     source.uninitialize();
     EXPECT_FALSE(source);

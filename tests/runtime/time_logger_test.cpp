@@ -48,7 +48,8 @@ TEST(time_logger, copies_print_their_own_lines) {
         debugging::time_logger_t b(a);
         debugging::time_logger_t c(static_cast<const char*>(nullptr));
         c = a;
-        c = c;
+        const debugging::time_logger_t& alias = c;
+        c = alias;
     }
     const std::string out = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(std::regex_match(out, std::regex("(a [0-9.e+-]+\n){3}"))) << out;
