@@ -1,0 +1,95 @@
+// Whole-file reading and writing with open, read and write.
+#include "os/data_file.hpp"
+#include "os/posix/native.hpp"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velmor2::_internal::os {
+namespace {
+
+int open_file(const std::wstring& printed, int flags) {
+    const std::string native = native_bytes(printed);
+    if (native.empty()) {
+        return -1;
+    }
+    int fd;
+    do {
+        fd = ::open(native.c_str(), flags | O_CLOEXEC, 0666);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0) {
+        return -1;
+    }
+    struct stat st;
+    if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
+        ::close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+} // namespace
+
+data_file_t::~data_file_t() {
+    if (handle_ >= 0) {
+        ::close(static_cast<int>(handle_));
+    }
+}
+
+bool data_file_t::open_read(const std::wstring& printed) {
+    handle_ = open_file(printed, O_RDONLY);
+    return handle_ >= 0;
+}
+
+bool data_file_t::open_write(const std::wstring& printed) {
+    handle_ = open_file(printed, O_WRONLY | O_CREAT | O_TRUNC);
+    return handle_ >= 0;
+}
+
+bool data_file_t::size(std::uint64_t& bytes) const {
+    struct stat st;
+    if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &st) != 0) {
+        return false;
+    }
+    bytes = static_cast<std::uint64_t>(st.st_size);
+    return true;
+}
+
+bool data_file_t::read(void* buffer, std::size_t size, std::size_t& got) {
+    got = 0;
+    char* out = static_cast<char*>(buffer);
+    while (got < size) {
+        const ssize_t n = ::read(static_cast<int>(handle_), out + got, size - got);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        if (n == 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool data_file_t::write(const void* data, std::size_t size) {
+    const char* in = static_cast<const char*>(data);
+    while (size > 0) {
+        const ssize_t n = ::write(static_cast<int>(handle_), in, size);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        in += n;
+        size -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+} // namespace velmor2::_internal::os

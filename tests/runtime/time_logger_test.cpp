@@ -1,0 +1,78 @@
+#include "runtime/time_log_line.hpp"
+
+#include <velmor2/runtime.hpp>
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+namespace {
+
+using namespace velmor2;
+
+struct line_case_t {
+    std::int32_t ms;
+    const wchar_t* line;
+};
+
+TEST(time_logger, line_format) {
+    const line_case_t cases[] = {
+        {1234, L"load 1.234"},       {2000000, L"load 2000"},
+        {12345678, L"load 12345.7"}, {0, L"load 0"},
+        {1, L"load 0.001"},          {-5, L"load -0.005"},
+        {1500, L"load 1.5"},         {2147483647, L"load 2.14748e+06"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.ms);
+        EXPECT_EQ(_internal::time_log_line(L"load", c.ms), c.line);
+    }
+    EXPECT_EQ(_internal::time_log_line(L"", 1000), L" 1");
+}
+
+TEST(time_logger, prints_one_line_when_destroyed) {
+    testing::internal::CaptureStderr();
+    {
+        debugging::time_logger_t logger("scope \xC3\xA9");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        testing::internal::CaptureStderr();
+    }
+    const std::string out = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(std::regex_match(out, std::regex("scope \xC3\xA9 [0-9.e+-]+\n"))) << out;
+}
+
+TEST(time_logger, copies_print_their_own_lines) {
+    testing::internal::CaptureStderr();
+    {
+        debugging::time_logger_t a(std::wstring(L"a"));
+        debugging::time_logger_t b(a);
+        debugging::time_logger_t c(static_cast<const char*>(nullptr));
+        c = a;
+        const debugging::time_logger_t& alias = c;
+        c = alias;
+    }
+    const std::string out = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(std::regex_match(out, std::regex("(a [0-9.e+-]+\n){3}"))) << out;
+}
+
+TEST(time_logger, empty_name_starts_with_the_space) {
+    testing::internal::CaptureStderr();
+    { debugging::time_logger_t logger(std::wstring{}); }
+    const std::string out = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(std::regex_match(out, std::regex(" [0-9.e+-]+\n"))) << out;
+}
+
+struct printing_logger_t : debugging::time_logger_t {
+    printing_logger_t() : time_logger_t("p") {}
+    using time_logger_t::debug_print;
+};
+
+TEST(time_logger, debug_print_ends_the_line) {
+    printing_logger_t logger;
+    testing::internal::CaptureStderr();
+    logger.debug_print(L"text \u20AC");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "text \xE2\x82\xAC\n");
+    testing::internal::CaptureStderr();
+}
+
+} // namespace
