@@ -1,5 +1,6 @@
 // velmor config: list, read and change the values of a configuration file.
 #include "command.hpp"
+#include "value_text.hpp"
 
 #include <velmor2/configuration.hpp>
 
@@ -13,82 +14,7 @@
 namespace velmor_tool {
 namespace {
 
-using velmor2::_internal::format_number;
 using velmor2::_internal::parse_number;
-
-template <typename T> bool holds(const boost::any& value) {
-    return boost::any_cast<T>(&value) != nullptr;
-}
-
-template <typename C> std::wstring join(const C& entries) {
-    std::wstring text = L"[";
-    for (const auto& entry : entries) {
-        if (text.size() > 1) {
-            text += L", ";
-        }
-        if constexpr (std::is_same_v<typename C::value_type, int>) {
-            text += format_number(entry);
-        } else {
-            text += L"\"" + entry + L"\"";
-        }
-    }
-    return text + L"]";
-}
-
-// Type name and text of a stored value, as the file would hold them.
-std::pair<std::wstring, std::wstring> describe(const boost::any& value) {
-    using string_map = std::map<std::wstring, std::wstring>;
-    if (value.empty()) {
-        return {L"(empty)", L""};
-    }
-    if (holds<bool>(value)) {
-        return {L"bool", format_number(boost::any_cast<bool>(value))};
-    }
-    if (holds<int>(value)) {
-        return {L"int", format_number(boost::any_cast<int>(value))};
-    }
-    if (holds<long>(value)) {
-        return {L"long", format_number(boost::any_cast<long>(value))};
-    }
-    if (holds<unsigned long>(value)) {
-        return {L"unsigned long", format_number(boost::any_cast<unsigned long>(value))};
-    }
-    if (holds<unsigned short>(value)) {
-        return {L"unsigned short", format_number(boost::any_cast<unsigned short>(value))};
-    }
-    if (holds<unsigned int>(value)) {
-        return {L"unsigned int", format_number(boost::any_cast<unsigned int>(value))};
-    }
-    if (holds<float>(value)) {
-        return {L"float", format_number(boost::any_cast<float>(value))};
-    }
-    if (holds<double>(value)) {
-        return {L"double", format_number(boost::any_cast<double>(value))};
-    }
-    if (holds<std::wstring>(value)) {
-        return {L"string", boost::any_cast<std::wstring>(value)};
-    }
-    if (holds<std::vector<std::wstring>>(value)) {
-        return {L"string_vector", join(boost::any_cast<std::vector<std::wstring>>(value))};
-    }
-    if (holds<std::list<std::wstring>>(value)) {
-        return {L"string_list", join(boost::any_cast<std::list<std::wstring>>(value))};
-    }
-    if (holds<std::vector<int>>(value)) {
-        return {L"int_vector", join(boost::any_cast<std::vector<int>>(value))};
-    }
-    if (holds<string_map>(value)) {
-        std::wstring text = L"{";
-        for (const auto& [key, entry] : boost::any_cast<string_map>(value)) {
-            text += (text.size() > 1 ? L", \"" : L"\"") + key + L"\": \"" + entry + L"\"";
-        }
-        return {L"string_string_map", text + L"}"};
-    }
-    if (holds<velmor2::path_t>(value)) {
-        return {L"path_t", boost::any_cast<velmor2::path_t>(value).as_string()};
-    }
-    return {L"(unknown)", L""};
-}
 
 template <typename T> bool parse_into(const std::wstring& text, boost::any& value) {
     T number;
@@ -209,7 +135,7 @@ int run(const std::vector<std::wstring>& args) {
         std::vector<std::wstring> names;
         store.get_names(names);
         for (const std::wstring& name : names) {
-            const auto [type_name, text] = describe(store.get_value(name, boost::any()));
+            const auto [type_name, text] = describe_value(store.get_value(name, boost::any()));
             out(name + L"\t" + type_name + L"\t" + text + L"\n");
         }
         return exit_ok;
@@ -219,7 +145,7 @@ int run(const std::vector<std::wstring>& args) {
             err(L"velmor config: KEY '" + positional[2] + L"': not set\n");
             return exit_failed;
         }
-        out(describe(store.get_value(positional[2], boost::any())).second + L"\n");
+        out(describe_value(store.get_value(positional[2], boost::any())).second + L"\n");
         return exit_ok;
     }
     store.set_value(positional[2], value);

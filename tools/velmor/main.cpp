@@ -74,6 +74,8 @@ void err(const std::wstring& text) { write(stderr, text); }
 
 int main(int argc, char** argv) {
     using namespace velmor_tool;
+    // Lines on standard output and the library's diagnostics on standard error stay in order.
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     std::vector<std::wstring> args = arguments(argc, argv);
     if (args.empty()) {
         print_help();
