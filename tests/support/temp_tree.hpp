@@ -3,9 +3,9 @@
 
 #include <velmor2/path.hpp>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -15,11 +15,22 @@ namespace velmor_test {
 class temp_tree_t {
   public:
     temp_tree_t() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "velmor-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("cannot create a temporary directory");
+        // Creating the directory is the test of a free name, so two tests never share one.
+        const std::filesystem::path base = std::filesystem::temp_directory_path();
+        std::random_device random;
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            const std::filesystem::path candidate = base / ("velmor-" + std::to_string(random()));
+            std::error_code error;
+            if (std::filesystem::create_directory(candidate, error)) {
+                std::filesystem::permissions(candidate, std::filesystem::perms::owner_all, error);
+                root_ = candidate;
+                return;
+            }
+            if (error) {
+                break;
+            }
         }
-        root_ = pattern;
+        throw std::runtime_error("cannot create a temporary directory");
     }
     ~temp_tree_t() {
         // Restores write and search permission that a test took away, so that all of it goes.
@@ -36,9 +47,11 @@ class temp_tree_t {
     temp_tree_t(const temp_tree_t&) = delete;
     temp_tree_t& operator=(const temp_tree_t&) = delete;
 
-    /// The native path of `relative` under the root (the root itself for an empty text).
+    /// The native path of the UTF-8 `relative`, written with `/`, under the root (the root
+    /// itself for an empty text), with the platform's own separators.
     std::filesystem::path native(const std::string& relative = std::string()) const {
-        return relative.empty() ? root_ : root_ / relative;
+        return relative.empty() ? root_
+                                : (root_ / std::filesystem::u8path(relative)).make_preferred();
     }
     /// The same as a library path.
     velmor2::path_t path(const std::string& relative = std::string()) const {
