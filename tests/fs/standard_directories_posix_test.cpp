@@ -4,7 +4,6 @@
 
 #include "support/scoped_env.hpp"
 #include "support/temp_tree.hpp"
-#include "support/working_dir_guard.hpp"
 
 #include <velmor2/standard_directories.hpp>
 
@@ -18,7 +17,6 @@ namespace fs = std::filesystem;
 using velmor2::path_t;
 using velmor_test::scoped_env_t;
 using velmor_test::temp_tree_t;
-using velmor_test::working_dir_guard_t;
 namespace stdpaths = velmor2::stdpaths;
 
 std::wstring native(const path_t& path) {
@@ -162,19 +160,6 @@ TEST(executable_and_module_dir, module_of_a_shared_library) {
     ASSERT_FALSE(libc.is_empty());
     EXPECT_NE(libc, stdpaths::get_executable_dir());
     EXPECT_TRUE(libc.is_directory());
-}
-
-TEST(working_dir, set_and_read_back_beyond_260_characters) {
-    const working_dir_guard_t guard;
-    temp_tree_t tree;
-    std::string deep = "d";
-    while (tree.native(deep).string().size() < 400) {
-        deep += "/directory";
-    }
-    tree.make_dir(deep);
-    const path_t target = tree.path(deep);
-    ASSERT_TRUE(stdpaths::set_working_dir(target));
-    EXPECT_EQ(native(stdpaths::get_working_dir()), fs::canonical(tree.native(deep)).wstring());
 }
 
 } // namespace

@@ -86,6 +86,22 @@ TEST(working_dir, set_and_read_back) {
     EXPECT_TRUE(fs::equivalent(fs::current_path(), tree.native("a dir/sub")));
 }
 
+TEST(working_dir, set_and_read_back_beyond_260_characters) {
+    const working_dir_guard_t guard;
+    temp_tree_t tree;
+    std::string deep = "d";
+    while (tree.native(deep).wstring().size() < 400) {
+        deep += "/directory";
+    }
+    tree.make_dir(deep);
+    ASSERT_TRUE(stdpaths::set_working_dir(tree.path(deep)));
+    // The root resolved (POSIX temporary folders may lie behind a link); the standard library
+    // itself cannot be asked, MinGW's current_path garbles a directory this long.
+    path_t expected(fs::canonical(tree.native()).wstring());
+    ASSERT_TRUE(expected.append(path_t(wide(deep))));
+    EXPECT_EQ(stdpaths::get_working_dir().as_string(), expected.as_string());
+}
+
 TEST(working_dir, missing_directory_changes_nothing) {
     const working_dir_guard_t guard;
     temp_tree_t tree;

@@ -76,6 +76,32 @@ TEST(executable_and_module_dir, name_this_program_and_the_system_directory) {
     EXPECT_EQ(stdpaths::get_module_dir(in_kernel32), path_t(system));
 }
 
+// Unloads a module at the end of a test.
+struct module_t {
+    HMODULE handle;
+    ~module_t() {
+        if (handle != nullptr) {
+            FreeLibrary(handle);
+        }
+    }
+};
+
+TEST(executable_and_module_dir, module_with_a_long_name_gives_the_whole_directory) {
+    temp_tree_t tree;
+    // Well past the 64 characters the name lookup starts with, and past twice that.
+    const std::string folder =
+        "a folder whose name is long enough to need several buffers/" + std::string(100, 'm');
+    tree.make_dir(folder);
+    const fs::path copy = tree.native(folder + "/copy.exe");
+    fs::copy_file(fs::path(stdpaths::get_executable_dir().as_string()) / "velmor_fs_tests.exe",
+                  copy);
+    const module_t module{LoadLibraryW(copy.c_str())};
+    ASSERT_NE(module.handle, nullptr) << GetLastError();
+    const path_t dir = stdpaths::get_module_dir(reinterpret_cast<const void*>(module.handle));
+    EXPECT_EQ(dir.as_string(), tree.path(folder).as_string());
+    EXPECT_NE(dir, stdpaths::get_executable_dir());
+}
+
 } // namespace
 
 #endif
