@@ -78,8 +78,9 @@ TEST(module_dir, of_this_code_is_the_executable_dir_and_of_no_module_is_empty) {
 }
 
 TEST(working_dir, set_and_read_back) {
-    const working_dir_guard_t guard;
     temp_tree_t tree;
+    // Declared after the tree: Windows removes no directory that is a working directory.
+    const working_dir_guard_t guard;
     tree.make_dir("a dir/sub");
     ASSERT_TRUE(stdpaths::set_working_dir(tree.path("a dir/sub")));
     EXPECT_EQ(stdpaths::get_working_dir(), path_t(fs::current_path().wstring()));
@@ -87,8 +88,9 @@ TEST(working_dir, set_and_read_back) {
 }
 
 TEST(working_dir, set_and_read_back_beyond_260_characters) {
-    const working_dir_guard_t guard;
     temp_tree_t tree;
+    // Declared after the tree: Windows removes no directory that is a working directory.
+    const working_dir_guard_t guard;
     std::string deep = "d";
     while (tree.native(deep).wstring().size() < 400) {
         deep += "/directory";
@@ -103,8 +105,9 @@ TEST(working_dir, set_and_read_back_beyond_260_characters) {
 }
 
 TEST(working_dir, missing_directory_changes_nothing) {
-    const working_dir_guard_t guard;
     temp_tree_t tree;
+    // Declared after the tree: Windows removes no directory that is a working directory.
+    const working_dir_guard_t guard;
     tree.write("file");
     const path_t before = stdpaths::get_working_dir();
     EXPECT_FALSE(stdpaths::set_working_dir(tree.path("missing")));

@@ -10,6 +10,13 @@
 #include <string>
 #include <system_error>
 
+#if defined(_WIN32)
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#endif
+
 namespace velmor_test {
 
 class temp_tree_t {
@@ -33,6 +40,10 @@ class temp_tree_t {
         throw std::runtime_error("cannot create a temporary directory");
     }
     ~temp_tree_t() {
+#if defined(_WIN32)
+        // MinGW's std::filesystem stops at 260 characters, which deep trees cross.
+        remove_tree(L"\\\\?\\" + root_.wstring());
+#else
         // Restores write and search permission that a test took away, so that all of it goes.
         std::error_code ignored;
         for (auto it = std::filesystem::recursive_directory_iterator(root_, ignored);
@@ -43,6 +54,7 @@ class temp_tree_t {
             }
         }
         std::filesystem::remove_all(root_, ignored);
+#endif
     }
     temp_tree_t(const temp_tree_t&) = delete;
     temp_tree_t& operator=(const temp_tree_t&) = delete;
@@ -79,6 +91,32 @@ class temp_tree_t {
     }
 
   private:
+#if defined(_WIN32)
+    // Removes `dir` with everything in it, clearing the flags that would refuse a removal.
+    static void remove_tree(const std::wstring& dir) {
+        WIN32_FIND_DATAW data;
+        const HANDLE search = FindFirstFileW((dir + L"\\*").c_str(), &data);
+        if (search != INVALID_HANDLE_VALUE) {
+            do {
+                const std::wstring name = data.cFileName;
+                if (name == L"." || name == L"..") {
+                    continue;
+                }
+                const std::wstring child = dir + L"\\" + name;
+                SetFileAttributesW(child.c_str(), FILE_ATTRIBUTE_NORMAL);
+                if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+                    remove_tree(child);
+                } else {
+                    DeleteFileW(child.c_str());
+                }
+            } while (FindNextFileW(search, &data));
+            FindClose(search);
+        }
+        SetFileAttributesW(dir.c_str(), FILE_ATTRIBUTE_NORMAL);
+        RemoveDirectoryW(dir.c_str());
+    }
+#endif
+
     std::filesystem::path root_;
 };
 
