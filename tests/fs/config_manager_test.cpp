@@ -1,6 +1,6 @@
 // config_manager_t: default and per-user file locations, with the per-user folder redirected.
-#include "support/scoped_env.hpp"
 #include "support/temp_tree.hpp"
+#include "support/user_config_root.hpp"
 
 #include <velmor2/configuration_files.hpp>
 
@@ -12,40 +12,48 @@ namespace {
 namespace fs = std::filesystem;
 using velmor2::config_manager_t;
 using velmor2::path_t;
-using velmor_test::scoped_env_t;
 using velmor_test::temp_tree_t;
+using velmor_test::user_config_root_t;
 
 class config_manager_test : public ::testing::Test {
   protected:
+    config_manager_test() {
+        // Outer folders first: the removal runs the other way round.
+        for (const std::string company : {"Norvane", "Acme"}) {
+            config.remove_afterwards(company);
+            config.remove_afterwards(company + "/" + product);
+        }
+        config.remove_afterwards(product);
+    }
+    // The native text of `file` in the product folder, which lies in the `company` folder (or
+    // directly, for an empty company) of the per-user folder.
+    std::wstring user(const std::string& company, const std::string& file = "") const {
+        std::string relative = company.empty() ? product : company + "/" + product;
+        if (!file.empty()) {
+            relative += "/" + file;
+        }
+        return config.native(relative).wstring();
+    }
     std::wstring native(const std::string& relative) const {
         return tree.native(relative).wstring();
     }
     temp_tree_t tree;
-    const scoped_env_t config{"XDG_CONFIG_HOME", tree.native("cfg").string()};
-    config_manager_t manager{tree.native("defaults").wstring(), L"Product"};
+    user_config_root_t config{tree};
+    const std::string product = user_config_root_t::unique_name();
+    config_manager_t manager{tree.native("defaults").wstring(), fs::u8path(product).wstring()};
 };
 
 TEST_F(config_manager_test, user_file_lies_under_company_and_product_folders) {
-    EXPECT_EQ(manager.user_config(L"settings").as_native_string(),
-              native("cfg/Norvane/Product/settings.xml"));
-    EXPECT_TRUE(fs::is_directory(tree.native("cfg/Norvane/Product")));
-    EXPECT_FALSE(tree.has("cfg/Norvane/Product/settings.xml"));
+    EXPECT_EQ(manager.user_config(L"settings").as_native_string(), user("Norvane", "settings.xml"));
+    EXPECT_TRUE(fs::is_directory(user("Norvane")));
+    EXPECT_FALSE(fs::exists(user("Norvane", "settings.xml")));
 }
 
 TEST_F(config_manager_test, company_name) {
-    struct case_t {
-        const wchar_t* company;
-        const char* expected;
-    };
-    const case_t cases[] = {
-        {L"Acme", "cfg/Acme/Product/x.xml"},
-        {L"", "cfg/Product/x.xml"},
-        {L"Norvane", "cfg/Norvane/Product/x.xml"},
-    };
-    for (const case_t& c : cases) {
-        SCOPED_TRACE(c.expected);
-        manager.set_company_name(c.company);
-        EXPECT_EQ(manager.user_config(L"x").as_native_string(), native(c.expected));
+    for (const char* company : {"Acme", "", "Norvane"}) {
+        SCOPED_TRACE(company);
+        manager.set_company_name(fs::u8path(company).wstring());
+        EXPECT_EQ(manager.user_config(L"x").as_native_string(), user(company, "x.xml"));
     }
 }
 
@@ -53,10 +61,10 @@ TEST_F(config_manager_test, override_replaces_company_and_product_until_cleared)
     manager.override_user_config_folder(tree.path("mine/configs"));
     EXPECT_EQ(manager.user_config(L"x").as_native_string(), native("mine/configs/x.xml"));
     EXPECT_TRUE(fs::is_directory(tree.native("mine/configs")));
-    EXPECT_FALSE(tree.has("cfg/Norvane"));
+    EXPECT_FALSE(fs::exists(user("Norvane")));
 
     manager.override_user_config_folder(path_t());
-    EXPECT_EQ(manager.user_config(L"x").as_native_string(), native("cfg/Norvane/Product/x.xml"));
+    EXPECT_EQ(manager.user_config(L"x").as_native_string(), user("Norvane", "x.xml"));
 }
 
 TEST_F(config_manager_test, default_file_is_computed_never_created) {

@@ -1,226 +1,32 @@
-// What an unfriendly tree holds: names the path grammar rejects, links, failing system calls.
-#include "os/posix/fs_calls.hpp"
+// Names outside ASCII on every platform: accented, CJK and beyond the Basic Multilingual Plane
+// (a surrogate pair in UTF-16).
 #include "support/temp_tree.hpp"
 
 #include <velmor2/file_system.hpp>
 
-#include <cerrno>
-#include <cstring>
-#include <algorithm>
-#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace {
 
-namespace fs = std::filesystem;
-namespace os = velmor2::_internal::os;
-using velmor2::path_t;
 using velmor_test::temp_tree_t;
-
-// Names legal on POSIX that no path can express as one component of a directory.
-const char* const rejected_names[] = {"a:b",        "x|y",  "<",     ">", "q\"q",
-                                      "\"quoted\"", "a\\b", " lead", "C:"};
-
-TEST(hostile_names, recursive_removal_reports_false_and_never_deletes_the_directory) {
-    for (const char* name : rejected_names) {
-        SCOPED_TRACE(name);
-        temp_tree_t tree;
-        tree.write(std::string("d/") + name);
-        tree.write("d/sub/" + std::string(name) + "/inner");
-        EXPECT_FALSE(velmor2::remove_directory(tree.path("d"), true));
-        EXPECT_TRUE(tree.has(std::string("d/") + name));
-    }
-}
-
-TEST(hostile_names, copy_reports_false) {
-    for (const char* name : rejected_names) {
-        SCOPED_TRACE(name);
-        temp_tree_t tree;
-        tree.write(std::string("from/") + name);
-        EXPECT_FALSE(velmor2::copy_directory(tree.path("from"), tree.path("to")));
-        tree.make_dir("from2/" + std::string(name));
-        EXPECT_FALSE(velmor2::copy_directory(tree.path("from2"), tree.path("to2")));
-    }
-}
-
-TEST(hostile_names, find_skips_them_and_their_contents) {
-    temp_tree_t tree;
-    for (const char* name : rejected_names) {
-        tree.write(std::string("root/") + name + ".xml");
-        tree.write(std::string("root/") + name + "/inner.xml");
-    }
-    tree.write("root/good.xml");
-    const std::vector<path_t> found = velmor2::find_files(tree.path("root"), L"*", true);
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].as_native_string(), tree.native("root/good.xml").wstring());
-}
-
-TEST(hostile_names, names_that_are_not_utf8_are_skipped_or_refused) {
-    temp_tree_t tree;
-    tree.write("root/\xff\xfe.xml");
-    tree.write("root/ok.xml");
-    EXPECT_EQ(velmor2::find_files(tree.path("root"), L"*.xml", true).size(), 1u);
-    EXPECT_FALSE(velmor2::remove_directory(tree.path("root"), true));
-    EXPECT_TRUE(tree.has("root/\xff\xfe.xml"));
-}
 
 TEST(hostile_names, unicode_names_are_ordinary) {
     temp_tree_t tree;
     tree.write("root/\xc3\xa9t\xc3\xa9/\xe6\x97\xa5\xe6\x9c\xac.xml", "u");
+    tree.write("root/\xf0\x9d\x84\x9e clef.xml", "g");
     const auto found = velmor2::find_files(tree.path("root"), L"*.xml", true);
-    ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].get_leaf(), L"\u65e5\u672c.xml");
+    ASSERT_EQ(found.size(), 2u);
+    for (const auto& file : found) {
+        SCOPED_TRACE(file.as_string().size());
+        EXPECT_TRUE(file.get_leaf() == L"\u65e5\u672c.xml" ||
+                    file.get_leaf() == L"\U0001D11E clef.xml");
+        EXPECT_TRUE(file.is_exists());
+    }
     EXPECT_TRUE(velmor2::copy_directory(tree.path("root"), tree.path("copy")));
     EXPECT_EQ(tree.read("copy/\xc3\xa9t\xc3\xa9/\xe6\x97\xa5\xe6\x9c\xac.xml"), "u");
+    EXPECT_EQ(tree.read("copy/\xf0\x9d\x84\x9e clef.xml"), "g");
     EXPECT_TRUE(velmor2::remove_directory(tree.path("root"), true));
-}
-
-class links_test : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        tree.write("outside/keep.xml", "outside");
-        tree.write("target.xml", "target");
-        tree.write("d/own.xml", "own");
-        fs::create_directory_symlink(tree.native("outside"), tree.native("d/dirlink"));
-        fs::create_symlink(tree.native("target.xml"), tree.native("d/filelink.xml"));
-        fs::create_symlink(tree.native("nowhere"), tree.native("d/dangling.xml"));
-    }
-    temp_tree_t tree;
-};
-
-TEST_F(links_test, recursive_removal_removes_links_never_their_targets) {
-    fs::permissions(tree.native("target.xml"), fs::perms::owner_read);
-    EXPECT_TRUE(velmor2::remove_directory(tree.path("d"), true));
-    EXPECT_FALSE(tree.has("d"));
-    EXPECT_EQ(tree.read("outside/keep.xml"), "outside");
-    EXPECT_EQ(tree.read("target.xml"), "target");
-    // The link's target keeps its mode: resetting attributes never goes through a link.
-    EXPECT_EQ(fs::status(tree.native("target.xml")).permissions(), fs::perms::owner_read);
-}
-
-TEST_F(links_test, recursive_removal_of_a_link_to_a_directory_removes_only_the_link) {
-    EXPECT_TRUE(velmor2::remove_directory(tree.path("d/dirlink"), true));
-    EXPECT_FALSE(tree.has("d/dirlink"));
-    EXPECT_EQ(tree.read("outside/keep.xml"), "outside");
-}
-
-TEST_F(links_test, find_lists_linked_files_and_never_enters_linked_directories) {
-    std::vector<std::wstring> names;
-    for (const path_t& found : velmor2::find_files(tree.path("d"), L"*.xml", true)) {
-        names.push_back(found.get_leaf());
-    }
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::wstring>{L"dangling.xml", L"filelink.xml", L"own.xml"}));
-}
-
-TEST_F(links_test, copy_copies_linked_files_skips_linked_directories_fails_on_dangling) {
-    EXPECT_FALSE(velmor2::copy_directory(tree.path("d"), tree.path("copy")));
-    fs::remove(tree.native("d/dangling.xml"));
-    temp_tree_t target;
-    EXPECT_TRUE(velmor2::copy_directory(tree.path("d"), target.path("copy")));
-    EXPECT_EQ(target.read("copy/own.xml"), "own");
-    EXPECT_EQ(target.read("copy/filelink.xml"), "target");
-    EXPECT_FALSE(fs::is_symlink(target.native("copy/filelink.xml")));
-    EXPECT_FALSE(target.has("copy/dirlink"));
-}
-
-// Replaces one of the file-system calls for the lifetime of a test.
-class injected_calls_t {
-  public:
-    injected_calls_t() : saved_(os::fs_calls()) {}
-    ~injected_calls_t() { os::fs_calls() = saved_; }
-    injected_calls_t(const injected_calls_t&) = delete;
-    injected_calls_t& operator=(const injected_calls_t&) = delete;
-    os::fs_calls_t& calls() { return os::fs_calls(); }
-
-  private:
-    os::fs_calls_t saved_;
-};
-
-TEST(injected_failures, full_disk_during_copy_is_false_and_leaves_no_partial_file) {
-    temp_tree_t tree;
-    tree.write("src", std::string(300000, 'x'));
-    injected_calls_t injected;
-    injected.calls().write = [](int, const void*, size_t) -> ssize_t {
-        errno = ENOSPC;
-        return -1;
-    };
-    EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
-    EXPECT_FALSE(tree.has("dst"));
-}
-
-TEST(injected_failures, short_writes_are_completed) {
-    temp_tree_t tree;
-    std::string content;
-    for (int i = 0; i < 50000; ++i) {
-        content += static_cast<char>('a' + i % 26);
-    }
-    tree.write("src", content);
-    injected_calls_t injected;
-    injected.calls().write = [](int fd, const void* data, size_t size) -> ssize_t {
-        return os::real_fs_calls().write(fd, data, size < 7 ? size : 7);
-    };
-    EXPECT_TRUE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
-    EXPECT_EQ(tree.read("dst"), content);
-}
-
-TEST(injected_failures, refused_directory_creation_is_false) {
-    temp_tree_t tree;
-    injected_calls_t injected;
-    injected.calls().mkdir = [](const char*, mode_t) {
-        errno = EACCES;
-        return -1;
-    };
-    EXPECT_FALSE(velmor2::create_directory(tree.path("a/b")));
-    EXPECT_FALSE(tree.has("a"));
-}
-
-TEST(injected_failures, failed_sub_directory_removal_is_reported_as_success) {
-    temp_tree_t tree;
-    tree.write("d/a.txt");
-    tree.write("d/stuck/b.txt");
-    tree.write("d/stuck/inner/c.txt");
-    injected_calls_t injected;
-    injected.calls().rmdir = [](const char* path) {
-        if (std::strstr(path, "/stuck") != nullptr && std::strstr(path, "/inner") == nullptr) {
-            errno = EBUSY;
-            return -1;
-        }
-        return os::real_fs_calls().rmdir(path);
-    };
-    EXPECT_TRUE(velmor2::remove_directory(tree.path("d"), true));
-    EXPECT_TRUE(tree.has("d/stuck"));
-    EXPECT_FALSE(tree.has("d/stuck/inner"));
-    EXPECT_FALSE(tree.has("d/stuck/b.txt"));
-    EXPECT_FALSE(tree.has("d/a.txt"));
-}
-
-TEST(injected_failures, failed_file_delete_is_false_in_its_own_directory_only) {
-    temp_tree_t tree;
-    tree.write("d/a.txt");
-    tree.write("e/sub/a.txt");
-    injected_calls_t injected;
-    injected.calls().unlink = [](const char*) {
-        errno = EBUSY;
-        return -1;
-    };
-    EXPECT_FALSE(velmor2::remove_directory(tree.path("d"), true));
-    EXPECT_TRUE(tree.has("d/a.txt"));
-    // One level down it is the failure of a sub-directory, reported upward as success.
-    EXPECT_TRUE(velmor2::remove_directory(tree.path("e"), true));
-    EXPECT_TRUE(tree.has("e/sub/a.txt"));
-}
-
-TEST(injected_failures, refused_rename_is_false) {
-    temp_tree_t tree;
-    tree.make_dir("from");
-    injected_calls_t injected;
-    injected.calls().rename = [](const char*, const char*) {
-        errno = EXDEV;
-        return -1;
-    };
-    EXPECT_FALSE(velmor2::rename_directory(tree.path("from"), tree.path("to")));
-    EXPECT_TRUE(tree.has("from"));
+    EXPECT_FALSE(tree.has("root"));
 }
 
 } // namespace

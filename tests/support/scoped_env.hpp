@@ -1,6 +1,8 @@
 // Sets or clears an environment variable for the lifetime of a test and restores it afterwards.
 #pragma once
 
+#include "text/convert.hpp"
+
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -9,12 +11,9 @@ namespace velmor_test {
 
 class scoped_env_t {
   public:
-    /// Sets `name` to `value`, or clears it for `std::nullopt`.
+    /// Sets `name` to the UTF-8 `value`, or clears it for `std::nullopt`.
     scoped_env_t(std::string name, const std::optional<std::string>& value)
-        : name_(std::move(name)) {
-        if (const char* old = std::getenv(name_.c_str())) {
-            saved_ = old;
-        }
+        : name_(std::move(name)), saved_(read(name_)) {
         apply(value);
     }
     ~scoped_env_t() { apply(saved_); }
@@ -22,6 +21,24 @@ class scoped_env_t {
     scoped_env_t& operator=(const scoped_env_t&) = delete;
 
   private:
+#if defined(_WIN32)
+    // The runtime's wide calls keep the runtime's copy and the process environment, which the
+    // system calls read, in step.
+    static std::optional<std::string> read(const std::string& name) {
+        const wchar_t* value = ::_wgetenv(velmor2::_internal::to_ustring(name).c_str());
+        return value != nullptr ? std::optional<std::string>(velmor2::_internal::to_utf8(value))
+                                : std::nullopt;
+    }
+    void apply(const std::optional<std::string>& value) const {
+        // An empty value removes the variable.
+        const std::wstring entry = velmor2::_internal::to_ustring(name_ + "=" + value.value_or(""));
+        ::_wputenv(entry.c_str());
+    }
+#else
+    static std::optional<std::string> read(const std::string& name) {
+        const char* value = std::getenv(name.c_str());
+        return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+    }
     void apply(const std::optional<std::string>& value) const {
         if (value) {
             ::setenv(name_.c_str(), value->c_str(), 1);
@@ -29,6 +46,7 @@ class scoped_env_t {
             ::unsetenv(name_.c_str());
         }
     }
+#endif
 
     std::string name_;
     std::optional<std::string> saved_;

@@ -59,7 +59,8 @@ std::wstring get_executable_file() {
 
 std::wstring get_module_file(const void* address) {
     MEMORY_BASIC_INFORMATION region = {};
-    if (VirtualQuery(address, &region, sizeof(region)) == 0) {
+    // A free region has no allocation base, and a null handle would name the executable.
+    if (VirtualQuery(address, &region, sizeof(region)) == 0 || region.AllocationBase == nullptr) {
         return {};
     }
     return module_file_name(static_cast<HMODULE>(region.AllocationBase));
