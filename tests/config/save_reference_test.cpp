@@ -194,6 +194,7 @@ TEST(save_reference, texts_that_need_escapes_or_stop_early) {
     for (const std::wstring& text : texts) {
         const std::wstring n = std::to_wstring(i++);
         store.set_value(L"s.t" + n, text);
+        store.set_value(L"s.t" + n + L".below", 1);
         store.set_value(L"v.t" + n, string_vector{text, L"x"});
         store.set_value(L"m.t" + n, string_map{{text, text}});
         store.set_value(L"p.t" + n, velmor2::make_path(text));
@@ -228,6 +229,7 @@ TEST(save_reference, every_type_and_keys_into_values) {
     store.set_value(L".a.b.d", 10);
     store.set_value(L"x..y", 11);
     store.set_value(L"x.y", 12);
+    store.set_value(std::wstring(L"nul.a\0b", 7), 13);
     for (int n = 1; n <= 6; ++n) {
         store.set_value(L"odd.n" + std::to_wstring(n), odd_t{n});
     }
