@@ -92,7 +92,7 @@ bool advanced_xml_config_t::save(const path_t& file) {
             }
         }
         const writer_t& writer = handler->second;
-        if (place.node != nullptr && writer.text_writer != nullptr) {
+        if (place.node != _internal::save_tree_t::none && writer.text_writer != nullptr) {
             text.clear();
             writer.text_writer->append_text(value, text);
             if (!tree.set_text(place.node, &writer.type_name, text)) {
@@ -102,13 +102,12 @@ bool advanced_xml_config_t::save(const path_t& file) {
         }
         xmlNode* element =
             place.element != nullptr ? place.element : tree.make_value_element(place.node);
-        const std::size_t above = place.element != nullptr ? place.above : place.node->depth - 1;
         xmlSetProp(element, BAD_CAST "type", BAD_CAST writer.type_name.c_str());
         {
             _internal::handler_scope_t scope(*writer.handler, this);
             writer.handler->save_value(value, element);
         }
-        if (!_internal::is_loadable(element, above)) {
+        if (!_internal::is_loadable(element, place.above)) {
             _internal::clear_element(element);
             on_save_value_failed(key, value.type());
         }

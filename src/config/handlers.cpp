@@ -3,7 +3,6 @@
 
 #include "text/convert.hpp"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <list>
@@ -26,12 +25,16 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name) {
 }
 
 void append_utf8(const std::wstring& text, std::string& out) {
-    const bool ascii = std::all_of(text.begin(), text.end(),
-                                   [](wchar_t c) { return static_cast<std::uint32_t>(c) < 0x80; });
-    if (ascii) {
-        out.append(text.begin(), text.end());
-    } else {
-        out += to_utf8(text);
+    const std::size_t start = out.size();
+    out.resize(start + text.size());
+    char* p = out.data() + start;
+    for (const wchar_t c : text) {
+        if (static_cast<std::uint32_t>(c) >= 0x80) {
+            out.resize(start);
+            out += to_utf8(text);
+            return;
+        }
+        *p++ = static_cast<char>(c);
     }
 }
 

@@ -8,10 +8,9 @@
 #include <libxml/xpath.h>
 
 #include <cstddef>
-#include <deque>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace velmor2::_internal {
@@ -28,34 +27,18 @@ namespace velmor2::_internal {
 /// that value's own content.
 class save_tree_t {
   public:
-    /// An element of the file: a group, or a value written as text or by a handler.
-    struct node_t {
-        std::string name;
-        /// The root is at depth 1.
-        std::size_t depth = 1;
-        node_t* first_child = nullptr;
-        node_t* last_child = nullptr;
-        node_t* next = nullptr;
-        /// A value went into it: later keys below it look into its content.
-        bool written = false;
-        /// The type attribute of a text value; null for none.
-        const std::string* type_name = nullptr;
-        /// A text value's text node (maybe empty), its bytes in `texts`.
-        bool has_text = false;
-        std::size_t text_begin = 0;
-        std::size_t text_size = 0;
-        /// The element holding a value's content once it needs one; written as it stands.
-        xmlNode* element = nullptr;
-    };
+    /// Index of a node; `none` for no node.
+    using id_t = std::uint32_t;
+    static constexpr id_t none = UINT32_MAX;
 
     /// Where the element of a new key went: a node of the tree, or an element inside content a
     /// handler wrote. Empty when the key's element exists already.
     struct place_t {
-        node_t* node = nullptr;
+        id_t node = none;
         xmlNode* element = nullptr;
-        /// Ancestors of `element` in the file that it is not linked to.
+        /// Ancestors the element will have in the file that it is not linked to.
         std::size_t above = 0;
-        explicit operator bool() const { return node != nullptr || element != nullptr; }
+        explicit operator bool() const { return node != none || element != nullptr; }
     };
 
     /// An empty tree expecting about `key_count` keys.
@@ -72,40 +55,59 @@ class save_tree_t {
     /// Makes `node` a value holding `type_name` and the UTF-8 `text` (nothing when empty).
     /// When the text cannot go into XML, leaves an empty group element and returns false.
     /// `type_name` must outlive the tree.
-    bool set_text(node_t* node, const std::string* type_name, const std::string& text);
+    bool set_text(id_t node, const std::string* type_name, const std::string& text);
 
     /// Makes `node` a value whose content a handler writes into the returned element.
-    xmlNode* make_value_element(node_t* node);
+    xmlNode* make_value_element(id_t node);
 
     /// Writes the document to `file` as formatted UTF-8 XML; false when the file cannot be
     /// written (see `save_xml_document`).
     bool write(const path_t& file) const;
 
   private:
-    place_t query_below(node_t* node, const std::vector<std::string_view>& pieces,
-                        std::size_t from);
-    node_t* add_child(node_t* parent, std::string_view name);
-    xmlNode* element_of(node_t* node);
+    // An element of the file: a group, or a value written as text or by a handler. Plain
+    // data, so that thousands of them cost a few allocations.
+    struct node_t {
+        std::size_t name_begin = 0;
+        std::size_t name_size = 0;
+        std::size_t depth = 1;
+        id_t parent = none;
+        id_t first_child = none;
+        id_t last_child = none;
+        id_t next = none;
+        // A value went into it: later keys below it look into its content.
+        bool written = false;
+        // A text value's text node (maybe empty), its bytes in `texts`.
+        bool has_text = false;
+        std::size_t text_begin = 0;
+        std::size_t text_size = 0;
+        // The type attribute of a text value; null for none.
+        const std::string* type_name = nullptr;
+        // The element holding a value's content once it needs one; written as it stands.
+        xmlNode* element = nullptr;
+    };
+
+    std::string_view name_of(const node_t& node) const {
+        return std::string_view(names.data() + node.name_begin, node.name_size);
+    }
+    id_t find_child(id_t parent, std::string_view name, std::uint32_t hash) const;
+    id_t add_child(id_t parent, std::string_view name, std::uint32_t hash);
+    void grow_index();
+    place_t query_below(id_t node, const std::vector<std::string_view>& pieces, std::size_t from);
+    xmlNode* element_of(id_t node);
     void write_node(const node_t& node, std::size_t level, std::string& out) const;
 
-    struct child_key_t {
-        const node_t* parent;
-        std::string_view name;
-        bool operator==(const child_key_t& other) const {
-            return parent == other.parent && name == other.name;
-        }
-    };
-    struct child_hash_t {
-        std::size_t operator()(const child_key_t& key) const;
-    };
-
-    std::deque<node_t> nodes;
-    node_t* root;
-    // Keys view the names of the nodes, which the deque keeps in place.
-    std::unordered_map<child_key_t, node_t*, child_hash_t> children;
+    std::vector<node_t> nodes;
+    std::string names;
     std::string texts;
-    // Holds the elements handlers write into; they are never linked to it.
+    // Open-addressing index of the children by (parent, name): each slot holds a name hash
+    // in its high half and a node id in its low half; empty slots are zero (the root is never
+    // a child).
+    std::vector<std::uint64_t> index;
+    std::size_t indexed = 0;
+    // Owns the elements handlers write into; they are never linked to it.
     xmlDoc* doc;
+    std::vector<xmlNode*> elements;
     xmlXPathContext* context = nullptr;
     std::vector<xmlNode*> found;
 };

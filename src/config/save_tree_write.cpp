@@ -69,8 +69,9 @@ void save_tree_t::write_node(const node_t& node, std::size_t level, std::string&
                    xmlOutputBufferGetSize(buffer.get()));
         return;
     }
+    const std::string_view name = name_of(node);
     out += '<';
-    out += node.name;
+    out += name;
     if (node.type_name != nullptr) {
         // Only the built-in type names, which need no escaping, come here.
         out += " type=\"";
@@ -81,23 +82,23 @@ void save_tree_t::write_node(const node_t& node, std::size_t level, std::string&
         out += '>';
         append_escaped(texts.data() + node.text_begin, node.text_size, out);
         out += "</";
-        out += node.name;
+        out += name;
         out += '>';
         return;
     }
-    if (node.first_child == nullptr) {
+    if (node.first_child == none) {
         out += "/>";
         return;
     }
     out += ">\n";
-    for (const node_t* child = node.first_child; child != nullptr; child = child->next) {
+    for (id_t child = node.first_child; child != none; child = nodes[child].next) {
         indent(level + 1, out);
-        write_node(*child, level + 1, out);
+        write_node(nodes[child], level + 1, out);
         out += '\n';
     }
     indent(level, out);
     out += "</";
-    out += node.name;
+    out += name;
     out += '>';
 }
 
@@ -106,7 +107,7 @@ bool save_tree_t::write(const path_t& file) const {
     // About a line of 40 bytes per element.
     out.reserve(64 + nodes.size() * 40 + texts.size());
     out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-    write_node(*root, 0, out);
+    write_node(nodes.front(), 0, out);
     out += '\n';
     return write_xml_text(file, out);
 }
