@@ -7,77 +7,72 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"
+#include "config/handlers_internal.hpp"
 #include "config/save_tree.hpp"
 #include "config/xml_check.hpp"
 #include "text/convert.hpp"
 
-#include <boost/tokenizer.hpp>
-#include <libxml/dict.h>
+#include <libxml/tree.h>
 
-#include <memory>
+#include <string_view>
 #include <typeindex>
 #include <unordered_map>
 
 namespace velmor2 {
 namespace {
 
-// The UTF-8 pieces of a key, empty pieces dropped; false when a piece is not an XML name or
-// the key nests deeper than a reader accepts. "." is ASCII, so splitting the UTF-8 form gives
-// the pieces of the wide one.
-bool split_key(const std::wstring& key, std::vector<std::string>& pieces) {
-    using separator_t = boost::char_separator<char>;
-    const std::string utf8 = _internal::to_utf8(key);
-    const boost::tokenizer<separator_t> tokens(utf8, separator_t("."));
+// The UTF-8 pieces of a key, viewing `utf8`, empty pieces dropped; false when a piece is not
+// an XML name or the key nests deeper than a reader accepts. "." is ASCII, so splitting the
+// UTF-8 form gives the pieces of the wide one.
+bool split_key(const std::wstring& key, std::string& utf8, std::vector<std::string_view>& pieces) {
+    utf8.clear();
+    _internal::append_utf8(key, utf8);
     pieces.clear();
-    for (const std::string& token : tokens) {
-        if (!_internal::is_element_name(token) ||
-            pieces.size() + 1 >= _internal::max_element_depth) {
-            return false;
+    const std::string_view text(utf8);
+    for (std::size_t begin = 0; begin < text.size();) {
+        std::size_t end = text.find('.', begin);
+        if (end == std::string_view::npos) {
+            end = text.size();
         }
-        pieces.push_back(token);
+        if (end > begin) {
+            const std::string_view piece = text.substr(begin, end - begin);
+            if (!_internal::is_element_name(piece) ||
+                pieces.size() + 1 >= _internal::max_element_depth) {
+                return false;
+            }
+            pieces.push_back(piece);
+        }
+        begin = end + 1;
     }
     return true;
-}
-
-const xmlChar* xml_text(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
 }
 
 } // namespace
 
 bool advanced_xml_config_t::save(const path_t& file) {
-    std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(xml_text("1.0")), &xmlFreeDoc);
-    if (!doc) {
-        throw std::bad_alloc();
-    }
-    // Element names repeat (type, item, group names): a dictionary stores each once.
-    doc->dict = xmlDictCreate();
-    xmlNode* root = doc->dict != nullptr
-                        ? xmlNewDocNode(doc.get(), nullptr, xml_text("root"), nullptr)
-                        : nullptr;
-    if (root == nullptr) {
-        throw std::bad_alloc();
-    }
-    xmlDocSetRootElement(doc.get(), root);
-
-    _internal::save_tree_t tree(root);
-    // Held types resolved once per save; the copies keep the handlers alive during the save.
+    // Held types resolved once per save; the copies keep the handlers alive during the save,
+    // and the type names stay for the tree, which points at them.
     struct writer_t {
         smart_pointer_t<handler_base_t> handler;
         std::string type_name;
+        // Set for a handler that only appends text: its value needs no libxml2 element.
+        const _internal::text_writer_t* text_writer;
     };
     std::unordered_map<std::type_index, writer_t> known;
-    std::vector<std::string> pieces;
+    _internal::save_tree_t tree(values.size());
+    std::string utf8;
+    std::string text;
+    std::vector<std::string_view> pieces;
     for (const auto& [key, value] : values) {
-        if (!split_key(key, pieces)) {
+        if (!split_key(key, utf8, pieces)) {
             on_save_value_failed(key, value.type());
             continue;
         }
         if (pieces.empty()) {
             continue;
         }
-        xmlNode* element = tree.make_element(pieces);
-        if (element == nullptr) {
+        const _internal::save_tree_t::place_t place = tree.make_element(pieces);
+        if (!place) {
             continue;
         }
         auto handler = known.find(value.type());
@@ -89,25 +84,35 @@ bool advanced_xml_config_t::save(const path_t& file) {
             }
             for (const smart_pointer_t<handler_base_t>& owned : handlers) {
                 if (owned.get() == found) {
-                    writer_t writer{owned, _internal::to_utf8(found->get_type_name())};
+                    writer_t writer{owned, _internal::to_utf8(found->get_type_name()),
+                                    dynamic_cast<const _internal::text_writer_t*>(found)};
                     handler = known.emplace(value.type(), writer).first;
                     break;
                 }
             }
         }
-        handler_base_t& writer = *handler->second.handler;
-        xmlSetProp(element, xml_text("type"), xml_text(handler->second.type_name.c_str()));
-        {
-            _internal::handler_scope_t scope(writer, this);
-            writer.save_value(value, element);
+        const writer_t& writer = handler->second;
+        if (place.node != _internal::save_tree_t::none && writer.text_writer != nullptr) {
+            text.clear();
+            writer.text_writer->append_text(value, text);
+            if (!tree.set_text(place.node, &writer.type_name, text)) {
+                on_save_value_failed(key, value.type());
+            }
+            continue;
         }
-        tree.mark_written(element);
-        if (!_internal::is_loadable(element)) {
+        xmlNode* element =
+            place.element != nullptr ? place.element : tree.make_value_element(place.node);
+        xmlSetProp(element, BAD_CAST "type", BAD_CAST writer.type_name.c_str());
+        {
+            _internal::handler_scope_t scope(*writer.handler, this);
+            writer.handler->save_value(value, element);
+        }
+        if (!_internal::is_loadable(element, place.above)) {
             _internal::clear_element(element);
             on_save_value_failed(key, value.type());
         }
     }
-    return save_xml_document(file, doc.get());
+    return tree.write(file);
 }
 
 } // namespace velmor2

@@ -4,7 +4,22 @@
 #include "config/handlers_internal.hpp"
 #include "text/convert.hpp"
 
+#include <algorithm>
+#include <cstdint>
+
 namespace velmor2 {
+namespace {
+
+// The key of `name`: `tolower(name)`, which for ASCII text without capitals is the name itself
+// and needs no pass over it.
+template <typename use_t> auto with_key(const std::wstring& name, use_t use) {
+    const bool lower = std::all_of(name.begin(), name.end(), [](wchar_t c) {
+        return static_cast<std::uint32_t>(c) < 0x80 && !(c >= L'A' && c <= L'Z');
+    });
+    return lower ? use(name) : use(_internal::tolower(name));
+}
+
+} // namespace
 
 advanced_xml_config_t::advanced_xml_config_t() {
     _internal::add_builtin_handlers(handlers);
@@ -30,12 +45,14 @@ advanced_xml_config_t::~advanced_xml_config_t() {
 
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
-    const auto found = values.find(_internal::tolower(name));
-    return found != values.end() ? found->second : default_value;
+    return with_key(name, [&](const std::wstring& key) {
+        const auto found = values.find(key);
+        return found != values.end() ? found->second : default_value;
+    });
 }
 
 void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any& value) {
-    const std::wstring key = _internal::tolower(name);
+    const std::wstring key = with_key(name, [](const std::wstring& lower) { return lower; });
     boost::any previous;
     // Files and loops mostly bring keys in ascending order: the end is the likely place, and a
     // wrong hint costs one comparison.
@@ -49,7 +66,7 @@ void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
-    return values.count(_internal::tolower(name)) != 0;
+    return with_key(name, [this](const std::wstring& key) { return values.count(key) != 0; });
 }
 
 void advanced_xml_config_t::get_names(std::vector<std::wstring>& names) const {

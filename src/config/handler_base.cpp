@@ -53,6 +53,11 @@ std::wstring handler_base_t::get_node_content(xmlNode* node) {
     if (node == nullptr || node->children == nullptr) {
         return std::wstring();
     }
+    // A lone text child is what libxml2 would copy out; convert it in place.
+    const xmlNode* child = node->children;
+    if (child->next == nullptr && child->type == XML_TEXT_NODE) {
+        return _internal::to_ustring(reinterpret_cast<const char*>(child->content));
+    }
     return take_text(xmlNodeListGetString(node->doc, node->children, 1));
 }
 

@@ -1,6 +1,9 @@
 // The path handler and the registration of the built-in handlers.
 #include "config/handlers_internal.hpp"
 
+#include "text/convert.hpp"
+
+#include <cstdint>
 #include <cstring>
 #include <list>
 #include <map>
@@ -21,6 +24,20 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name) {
     return found;
 }
 
+void append_utf8(const std::wstring& text, std::string& out) {
+    const std::size_t start = out.size();
+    out.resize(start + text.size());
+    char* p = out.data() + start;
+    for (const wchar_t c : text) {
+        if (static_cast<std::uint32_t>(c) >= 0x80) {
+            out.resize(start);
+            out += to_utf8(text);
+            return;
+        }
+        *p++ = static_cast<char>(c);
+    }
+}
+
 boost::any path_t_handler_t::load_value(xmlNode* element) {
     return boost::any(path_t(get_node_content(element)));
 }
@@ -29,6 +46,15 @@ void path_t_handler_t::save_value(const boost::any& value, xmlNode* element) {
     if (const path_t* held = boost::any_cast<path_t>(&value)) {
         set_node_content(element, held->as_string());
     }
+}
+
+bool path_t_handler_t::append_text(const boost::any& value, std::string& utf8) const {
+    const path_t* held = boost::any_cast<path_t>(&value);
+    if (held == nullptr) {
+        return false;
+    }
+    append_utf8(held->as_string(), utf8);
+    return true;
 }
 
 std::wstring path_t_handler_t::get_type_name() const {

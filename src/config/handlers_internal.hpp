@@ -20,6 +20,20 @@ namespace velmor2::_internal {
 /// expression made of the name selects, without building an XPath context.
 std::vector<xmlNode*> child_elements(xmlNode* node, const char* name);
 
+/// Appends the UTF-8 form of `text` to `out` (what `to_utf8` gives, without a conversion pass
+/// when the text is ASCII).
+void append_utf8(const std::wstring& text, std::string& out);
+
+/// A handler whose `save_value` only appends text to the element: a save can take that text
+/// and write it out without a libxml2 element for the value.
+class text_writer_t {
+  public:
+    virtual ~text_writer_t() = default;
+    /// Appends to `utf8` the UTF-8 text `save_value` would add to the element; false when it
+    /// would add nothing because `value` does not hold the handler's type.
+    virtual bool append_text(const boost::any& value, std::string& utf8) const = 0;
+};
+
 /// Text of a scalar for the file.
 template <typename T> std::wstring scalar_text(const T& value) {
     if constexpr (std::is_same_v<T, std::wstring>) {
@@ -40,7 +54,7 @@ template <typename T> bool scalar_value(const std::wstring& text, T& value) {
 }
 
 /// A scalar (bool, integers, float, double, std::wstring) as the text of its element.
-template <typename T> class generic_handler_t : public handler_base_t {
+template <typename T> class generic_handler_t : public handler_base_t, public text_writer_t {
   public:
     explicit generic_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
@@ -58,6 +72,18 @@ template <typename T> class generic_handler_t : public handler_base_t {
     }
     std::wstring get_type_name() const override { return type_name; }
     const std::type_info& get_type_info() const override { return typeid(T); }
+    bool append_text(const boost::any& value, std::string& utf8) const override {
+        const T* held = boost::any_cast<T>(&value);
+        if (held == nullptr) {
+            return false;
+        }
+        if constexpr (std::is_same_v<T, std::wstring>) {
+            append_utf8(*held, utf8);
+        } else {
+            append_number(*held, utf8);
+        }
+        return true;
+    }
 
   private:
     std::wstring type_name;
@@ -123,12 +149,13 @@ template <typename M> class generic_map_handler_t : public handler_base_t {
 };
 
 /// A `path_t` as the text of `as_string()`.
-class path_t_handler_t : public handler_base_t {
+class path_t_handler_t : public handler_base_t, public text_writer_t {
   public:
     boost::any load_value(xmlNode* element) override;
     void save_value(const boost::any& value, xmlNode* element) override;
     std::wstring get_type_name() const override;
     const std::type_info& get_type_info() const override;
+    bool append_text(const boost::any& value, std::string& utf8) const override;
 };
 
 /// Appends the fourteen built-in handlers, in their fixed order, to `handlers`.

@@ -64,9 +64,9 @@ template <typename T> bool parse_number(const std::wstring& text, T& value) {
     }
 }
 
-template <typename T> std::wstring format_number(T value) {
+template <typename T> void append_number(T value, std::string& out) {
     if constexpr (std::is_same_v<T, bool>) {
-        return value ? L"1" : L"0";
+        out += value ? '1' : '0';
     } else {
         char buffer[max_number_text];
         std::to_chars_result result;
@@ -76,12 +76,19 @@ template <typename T> std::wstring format_number(T value) {
         } else {
             result = std::to_chars(buffer, buffer + sizeof buffer, value);
         }
-        return std::wstring(buffer, result.ptr);
+        out.append(buffer, result.ptr);
     }
+}
+
+template <typename T> std::wstring format_number(T value) {
+    std::string text;
+    append_number(value, text);
+    return std::wstring(text.begin(), text.end());
 }
 
 #define VELMOR_NUMBER_TEXT(T)                                                                      \
     template bool parse_number<T>(const std::wstring&, T&);                                        \
+    template void append_number<T>(T, std::string&);                                               \
     template std::wstring format_number<T>(T);
 
 VELMOR_NUMBER_TEXT(bool)

@@ -21,4 +21,7 @@ template <typename T> bool parse_number(const std::wstring& text, T& value);
 ///   1.0 / 3.0  => 0.333333      1e6 => 1e+06      true => 1
 template <typename T> std::wstring format_number(T value);
 
+/// Appends the text `format_number` gives (ASCII, so also its UTF-8 form) to `out`.
+template <typename T> void append_number(T value, std::string& out);
+
 } // namespace velmor2::_internal

@@ -1,59 +1,113 @@
-// The element tree a save builds, with the look-up of the element of a key.
+// The element tree a save builds, with the look-up of the element of a key and the writing
+// of the file.
 #pragma once
+
+#include <velmor2/path.hpp>
 
 #include <libxml/tree.h>
 #include <libxml/xpath.h>
 
-#include <deque>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace velmor2::_internal {
 
-/// Finds or creates the element of a key's pieces below the root of a document being saved.
+/// The document of a save, kept light: groups and text values are small nodes of its own, and
+/// only the values a handler writes into an element get a libxml2 element. The file it writes
+/// holds the bytes libxml2's formatted output of the equivalent document would hold.
 ///
-/// The result is the one of querying XPath `p1`, `p1/p2`, ... from the root and taking the
-/// first node in document order each time, creating the rest at the first miss. Elements the
-/// save itself created hold only children it created, one per name, so below them a map from
-/// (parent, name) gives that first node at once. Below an element a handler wrote into, names
-/// may repeat and the handler may have built anything, so the rest of the key is queried by
-/// XPath there, which only scans that value's own content.
-///
-/// The per-element state hangs off libxml2's application pointer `_private` of the elements:
-/// a child map for a group, a marker for a written element. They point into the tree, so the
-/// document is for writing out only and is freed right after.
+/// Finding the element of a key gives the result of querying XPath `p1`, `p1/p2`, ... from the
+/// root and taking the first node in document order each time, creating the rest at the first
+/// miss. Groups hold only children the save created, one per name, so an index from (parent,
+/// name) gives that first node at once. Below a value element names may repeat and a handler
+/// may have built anything, so the rest of the key is queried by XPath there, which only scans
+/// that value's own content.
 class save_tree_t {
   public:
-    /// A tree whose root is `root` (of a document with no other content yet).
-    explicit save_tree_t(xmlNode* root);
-    /// Frees the XPath context.
+    /// Index of a node; `none` for no node.
+    using id_t = std::uint32_t;
+    static constexpr id_t none = UINT32_MAX;
+
+    /// Where the element of a new key went: a node of the tree, or an element inside content a
+    /// handler wrote. Empty when the key's element exists already.
+    struct place_t {
+        id_t node = none;
+        xmlNode* element = nullptr;
+        /// Ancestors the element will have in the file that it is not linked to.
+        std::size_t above = 0;
+        explicit operator bool() const { return node != none || element != nullptr; }
+    };
+
+    /// An empty tree expecting about `key_count` keys.
+    explicit save_tree_t(std::size_t key_count);
+    /// Frees the libxml2 elements.
     ~save_tree_t();
     save_tree_t(const save_tree_t&) = delete;
     save_tree_t& operator=(const save_tree_t&) = delete;
 
     /// The new element of `pieces` (valid XML names, UTF-8), created with every missing
-    /// ancestor; null when the element already exists.
-    xmlNode* make_element(const std::vector<std::string>& pieces);
+    /// ancestor; empty when the element already exists.
+    place_t make_element(const std::vector<std::string_view>& pieces);
 
-    /// Records that a handler wrote into `element`.
-    void mark_written(xmlNode* element);
+    /// Makes `node` a value holding `type_name` and the UTF-8 `text` (nothing when empty).
+    /// When the text cannot go into XML, leaves an empty group element and returns false.
+    /// `type_name` must outlive the tree.
+    bool set_text(id_t node, const std::string* type_name, const std::string& text);
+
+    /// Makes `node` a value whose content a handler writes into the returned element.
+    xmlNode* make_value_element(id_t node);
+
+    /// Writes the document to `file` as formatted UTF-8 XML; false when the file cannot be
+    /// written (see `save_xml_document`).
+    bool write(const path_t& file) const;
 
   private:
-    xmlNode* query_below(xmlNode* base, const std::vector<std::string>& pieces, std::size_t from);
-    xmlNode* create(xmlNode* parent, const std::vector<std::string>& pieces, std::size_t from,
-                    bool indexed);
+    // An element of the file: a group, or a value written as text or by a handler. Plain
+    // data, so that thousands of them cost a few allocations.
+    struct node_t {
+        std::size_t name_begin = 0;
+        std::size_t name_size = 0;
+        std::size_t depth = 1;
+        id_t parent = none;
+        id_t first_child = none;
+        id_t last_child = none;
+        id_t next = none;
+        // A value went into it: later keys below it look into its content.
+        bool written = false;
+        // A text value's text node (maybe empty), its bytes in `texts`.
+        bool has_text = false;
+        std::size_t text_begin = 0;
+        std::size_t text_size = 0;
+        // The type attribute of a text value; null for none.
+        const std::string* type_name = nullptr;
+        // The element holding a value's content once it needs one; written as it stands.
+        xmlNode* element = nullptr;
+    };
 
-    // Keys view the element names, which the document owns.
-    using children_t = std::unordered_map<std::string_view, xmlNode*>;
+    std::string_view name_of(const node_t& node) const {
+        return std::string_view(names.data() + node.name_begin, node.name_size);
+    }
+    id_t find_child(id_t parent, std::string_view name, std::uint32_t hash) const;
+    id_t add_child(id_t parent, std::string_view name, std::uint32_t hash);
+    void grow_index();
+    place_t query_below(id_t node, const std::vector<std::string_view>& pieces, std::size_t from);
+    xmlNode* element_of(id_t node);
+    void write_node(const node_t& node, std::size_t level, std::string& out) const;
 
-    children_t& children_of(xmlNode* element);
-    bool is_written(const xmlNode* element) const;
-
-    xmlNode* root;
-    std::deque<children_t> maps;
-    char written_marker = 0;
+    std::vector<node_t> nodes;
+    std::string names;
+    std::string texts;
+    // Open-addressing index of the children by (parent, name): each slot holds a name hash
+    // in its high half and a node id in its low half; empty slots are zero (the root is never
+    // a child).
+    std::vector<std::uint64_t> index;
+    std::size_t indexed = 0;
+    // Owns the elements handlers write into; they are never linked to it.
+    xmlDoc* doc;
+    std::vector<xmlNode*> elements;
     xmlXPathContext* context = nullptr;
     std::vector<xmlNode*> found;
 };

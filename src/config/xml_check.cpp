@@ -2,6 +2,7 @@
 #include "config/xml_check.hpp"
 #include "text/convert.hpp"
 
+#include <algorithm>
 #include <cstring>
 
 namespace velmor2::_internal {
@@ -96,13 +97,31 @@ bool content_loadable(const xmlNode* node, std::size_t depth) {
 
 } // namespace
 
-bool is_element_name(const std::string& name) {
-    return !name.empty() &&
-           xmlValidateNCName(reinterpret_cast<const xmlChar*>(name.c_str()), 0) == 0;
+bool is_element_name(std::string_view name) {
+    if (name.empty()) {
+        return false;
+    }
+    const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (std::all_of(name.begin(), name.end(), is_ascii)) {
+        // libxml2's own rule for ASCII names, without copying to a terminated string.
+        const auto is_letter = [](char c) {
+            return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+        };
+        return is_letter(name.front()) && std::all_of(name.begin() + 1, name.end(), [&](char c) {
+                   return is_letter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+               });
+    }
+    const std::string terminated(name);
+    return terminated.find('\0') == std::string::npos &&
+           xmlValidateNCName(reinterpret_cast<const xmlChar*>(terminated.c_str()), 0) == 0;
 }
 
-bool is_loadable(const xmlNode* element) {
-    std::size_t depth = 0;
+bool is_xml_text(const char* text) {
+    return has_xml_chars(reinterpret_cast<const xmlChar*>(text));
+}
+
+bool is_loadable(const xmlNode* element, std::size_t above) {
+    std::size_t depth = above;
     for (const xmlNode* node = element; node != nullptr && node->type == XML_ELEMENT_NODE;
          node = node->parent) {
         ++depth;

@@ -3,7 +3,7 @@
 
 #include <libxml/tree.h>
 
-#include <string>
+#include <string_view>
 
 namespace velmor2::_internal {
 
@@ -11,7 +11,7 @@ namespace velmor2::_internal {
 /// parser and an XPath name test both accept.
 ///
 ///   width => true      2nd => false     a b => false     a/b, a*, a[1], x:y, "" => false
-bool is_element_name(const std::string& name);
+bool is_element_name(std::string_view name);
 
 /// Deepest element nesting, the root counting as 1, that the parser accepts.
 constexpr std::size_t max_element_depth = 256;
@@ -19,8 +19,12 @@ constexpr std::size_t max_element_depth = 256;
 /// True when the attributes and the whole content of `element` serialise to XML that parses
 /// again: names valid, every character allowed in XML 1.0, no entity reference (a parser
 /// without the declaration rejects it), no attribute twice, comments without "--", no element
-/// nested deeper than `max_element_depth`.
-bool is_loadable(const xmlNode* element);
+/// nested deeper than `max_element_depth`. `above` counts the element ancestors the element
+/// will have in the file beyond those it is linked to now.
+bool is_loadable(const xmlNode* element, std::size_t above = 0);
+
+/// True when `text` (UTF-8, up to its first zero byte) holds only characters XML 1.0 allows.
+bool is_xml_text(const char* text);
 
 /// Removes the attributes and content of `element`, leaving an empty group element.
 void clear_element(xmlNode* element);

@@ -271,6 +271,8 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
     for (const wchar_t* key : bad_keys) {
         store.set_value(key, 1);
     }
+    // A zero character never reaches a name cut short.
+    store.set_value(std::wstring(L"g.a\0b", 5), 1);
     store.set_value(L"control", std::wstring(L"a\x01"
                                              L"b"));
     store.set_value(L"entity", string_vector{L"a&foo;b"});
@@ -287,7 +289,8 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
     }
     EXPECT_EQ(reported, (std::vector<std::wstring>{L" ", L"2nd", L"a b", L"a*", L"a/b", L"a[1]",
                                                    L"control", L"entity", L"g.()", L"g.-x", L"g.@x",
-                                                   L"g.x:y", L"nothing", L"unknown"}));
+                                                   std::wstring(L"g.a\0b", 5), L"g.x:y", L"nothing",
+                                                   L"unknown"}));
     store_t loaded;
     ASSERT_TRUE(loaded.load(dir.path("f.xml")));
     EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"amp", L"amp_string", L"g.good"}));
