@@ -17,12 +17,18 @@
 namespace velmor2::_internal {
 namespace {
 
-bool is_separator(wchar_t c) { return c == L'\\' || c == L'/'; }
-bool is_blank(wchar_t c) { return c == L' ' || c == L'\t'; }
-bool is_letter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
+bool is_separator(wchar_t c) {
+    return c == L'\\' || c == L'/';
+}
+bool is_blank(wchar_t c) {
+    return c == L' ' || c == L'\t';
+}
+bool is_letter(wchar_t c) {
+    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+}
 
 class parser_t {
-public:
+  public:
     parser_t(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
              bool forbid_wildcards)
         : p_(begin), end_(end), out_(out), forbid_wildcards_(forbid_wildcards) {}
@@ -55,7 +61,7 @@ public:
 
     const wchar_t* position() const { return p_; }
 
-private:
+  private:
     bool is_name_char(wchar_t c) const {
         switch (c) {
         case L'\\':
@@ -163,7 +169,9 @@ private:
     bool forbid_wildcards_;
 };
 
-bool is_quote(wchar_t c) { return c == L'\'' || c == L'"'; }
+bool is_quote(wchar_t c) {
+    return c == L'\'' || c == L'"';
+}
 
 } // namespace
 
@@ -177,8 +185,8 @@ path_internal_t<std::wstring> name_model(const std::wstring& name) {
     return model;
 }
 
-bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out,
-                bool forbid_wildcards, int& stop_position) {
+bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out, bool forbid_wildcards,
+                int& stop_position) {
     out.components.clear();
     out.relative = out.absolute = out.network = false;
     out.drive.clear();

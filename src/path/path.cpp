@@ -12,7 +12,7 @@ using model_t = _internal::path_internal_t<std::wstring>;
 
 // Case-insensitive comparison with the global locale's upper-casing.
 class same_text_t {
-public:
+  public:
     same_text_t() : locale_(), ctype_(std::use_facet<std::ctype<wchar_t>>(locale_)) {}
 
     bool operator()(const std::wstring& a, const std::wstring& b) const {
@@ -27,7 +27,7 @@ public:
         return true;
     }
 
-private:
+  private:
     std::locale locale_;
     const std::ctype<wchar_t>& ctype_;
 };
@@ -49,11 +49,16 @@ path_t::path_t(const std::wstring& text) {
     }
 }
 
-path_t::path_t(const wchar_t* text) : path_t(text == nullptr ? std::wstring() : std::wstring(text)) {}
+path_t::path_t(const wchar_t* text)
+    : path_t(text == nullptr ? std::wstring() : std::wstring(text)) {}
 
-path_t::path_t(const path_t& other) { assign(other); }
+path_t::path_t(const path_t& other) {
+    assign(other);
+}
 
-path_t::path_t(path_t&& other) noexcept : path_(std::move(other.path_)) { other.path_ = model_t(); }
+path_t::path_t(path_t&& other) noexcept : path_(std::move(other.path_)) {
+    other.path_ = model_t();
+}
 
 path_t& path_t::operator=(const path_t& other) {
     assign(other);
@@ -70,14 +75,28 @@ path_t& path_t::operator=(path_t&& other) noexcept {
 
 path_t::~path_t() = default;
 
-bool path_t::is_posix() const { return path_.posix; }
-bool path_t::is_windows() const { return path_.windows; }
-bool path_t::is_absolute() const { return path_.absolute; }
-bool path_t::is_drive_path() const { return path_.windows && path_.absolute && !path_.network; }
-bool path_t::is_empty() const { return as_string().empty(); }
-wchar_t path_t::get_separator_char() { return L'\\'; }
+bool path_t::is_posix() const {
+    return path_.posix;
+}
+bool path_t::is_windows() const {
+    return path_.windows;
+}
+bool path_t::is_absolute() const {
+    return path_.absolute;
+}
+bool path_t::is_drive_path() const {
+    return path_.windows && path_.absolute && !path_.network;
+}
+bool path_t::is_empty() const {
+    return as_string().empty();
+}
+wchar_t path_t::get_separator_char() {
+    return L'\\';
+}
 
-bool path_t::assign(const path_t& other) { return assign(other.path_); }
+bool path_t::assign(const path_t& other) {
+    return assign(other.path_);
+}
 
 bool path_t::assign(const model_t& model) {
     if (&model != &path_) {
@@ -87,20 +106,27 @@ bool path_t::assign(const model_t& model) {
 }
 
 bool path_t::assign(const std::list<std::wstring>& parts) {
+    // The first text gives the form (it may be a root such as `C:` or `\`); the others are
+    // appended to it, so they must be relative.
     path_t joined;
+    bool first = true;
     for (const std::wstring& part : parts) {
         model_t parsed;
         int stop_position;
-        if (!_internal::parse_path(part, parsed, false, stop_position) || !joined.append(parsed)) {
+        if (!_internal::parse_path(part, parsed, false, stop_position) ||
+            !(first ? joined.assign(parsed) : joined.append(parsed))) {
             path_ = model_t();
             return false;
         }
+        first = false;
     }
     path_ = std::move(joined.path_);
     return true;
 }
 
-bool path_t::append(const path_t& other) { return append(other.path_); }
+bool path_t::append(const path_t& other) {
+    return append(other.path_);
+}
 
 bool path_t::append(const model_t& model) {
     if (model.absolute || model.network) {
@@ -183,9 +209,13 @@ bool path_t::operator==(const path_t& other) const {
                       other.path_.components.begin(), same);
 }
 
-bool path_t::operator!=(const path_t& other) const { return !(*this == other); }
+bool path_t::operator!=(const path_t& other) const {
+    return !(*this == other);
+}
 
-bool path_t::operator<(const path_t& other) const { return as_string() < other.as_string(); }
+bool path_t::operator<(const path_t& other) const {
+    return as_string() < other.as_string();
+}
 
 path_t make_path(const std::wstring& text) {
     path_t path(_internal::to_ustring(text));

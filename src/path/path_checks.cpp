@@ -79,7 +79,9 @@ bool path_t::exists(const std::wstring& text) {
            _internal::os::drive_has_root(path.path_.drive[0]);
 }
 
-bool path_t::is_exists() const { return exists(as_string()); }
+bool path_t::is_exists() const {
+    return exists(as_string());
+}
 
 bool path_t::is_directory(const std::wstring& text) {
     _internal::os::attributes_t attributes;
@@ -87,7 +89,9 @@ bool path_t::is_directory(const std::wstring& text) {
     return _internal::os::get_attributes(text, attributes, error) && attributes.directory;
 }
 
-bool path_t::is_directory() const { return is_directory(as_string()); }
+bool path_t::is_directory() const {
+    return is_directory(as_string());
+}
 
 void path_t::readonly(const std::wstring& text, bool& read_only, bool& unknown) {
     read_only = false;

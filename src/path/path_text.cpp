@@ -59,7 +59,9 @@ std::wstring path_t::as_string() const {
     return with_long_prefix(print(path_, path_.components.size()));
 }
 
-std::wstring path_t::as_native_string() const { return _internal::os::native_text(as_string()); }
+std::wstring path_t::as_native_string() const {
+    return _internal::os::native_text(as_string());
+}
 
 std::list<std::wstring> path_t::as_string_list() const {
     std::list<std::wstring> out(path_.components.begin(), path_.components.end());
