@@ -13,6 +13,7 @@
 // outright, the stop position is where a combinator parser leaves its cursor: one past an
 // invalid first character.
 #include "path/grammar.hpp"
+#include "path/component_pool.hpp"
 
 namespace velmor2::_internal {
 namespace {
@@ -99,7 +100,7 @@ class parser_t {
             }
             return false;
         }
-        out_.components.emplace_back(start, p_);
+        append_component(out_.components, start, p_);
         if (copy_to != nullptr) {
             *copy_to = out_.components.back();
         }
@@ -187,14 +188,17 @@ path_internal_t<std::wstring> name_model(const std::wstring& name) {
 
 bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out, bool forbid_wildcards,
                 int& stop_position) {
-    out.components.clear();
+    return parse_path(text.data(), text.data() + text.size(), out, forbid_wildcards, stop_position);
+}
+
+bool parse_path(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
+                bool forbid_wildcards, int& stop_position) {
+    recycle_components(out.components);
     out.relative = out.absolute = out.network = false;
     out.drive.clear();
     out.server.clear();
     out.windows = out.posix = true;
 
-    const wchar_t* begin = text.data();
-    const wchar_t* end = begin + text.size();
     while (begin != end && is_quote(*begin)) {
         ++begin;
     }

@@ -1,8 +1,10 @@
 // path_t: construction, composition, normalisation and comparison on the parsed model.
+#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
 #include "text/convert.hpp"
 
 #include <locale>
+#include <optional>
 #include <utility>
 
 namespace velmor2 {
@@ -10,17 +12,16 @@ namespace {
 
 using model_t = _internal::path_internal_t<std::wstring>;
 
-// Case-insensitive comparison with the global locale's upper-casing.
+// Case-insensitive comparison with the global locale's upper-casing. The locale is looked up
+// only when two characters differ: equal paths, the common case, never need it.
 class same_text_t {
   public:
-    same_text_t() : locale_(), ctype_(std::use_facet<std::ctype<wchar_t>>(locale_)) {}
-
     bool operator()(const std::wstring& a, const std::wstring& b) const {
         if (a.size() != b.size()) {
             return false;
         }
         for (std::size_t i = 0; i < a.size(); ++i) {
-            if (a[i] != b[i] && ctype_.toupper(a[i]) != ctype_.toupper(b[i])) {
+            if (a[i] != b[i] && upper(a[i]) != upper(b[i])) {
                 return false;
             }
         }
@@ -28,9 +29,27 @@ class same_text_t {
     }
 
   private:
-    std::locale locale_;
-    const std::ctype<wchar_t>& ctype_;
+    wchar_t upper(wchar_t c) const {
+        if (!locale_) {
+            locale_.emplace();
+            ctype_ = &std::use_facet<std::ctype<wchar_t>>(*locale_);
+        }
+        return ctype_->toupper(c);
+    }
+
+    mutable std::optional<std::locale> locale_;
+    mutable const std::ctype<wchar_t>* ctype_ = nullptr;
 };
+
+// Parses with wildcards allowed, as the constructors do; text that does not parse completely
+// leaves the empty model, nothing of the partial parse.
+void parse_into(model_t& model, const wchar_t* begin, const wchar_t* end) {
+    int stop_position;
+    if (!_internal::parse_path(begin, end, model, false, stop_position)) {
+        _internal::recycle_components(model.components);
+        model = model_t();
+    }
+}
 
 bool same_form(const model_t& a, const model_t& b) {
     return a.relative == b.relative && a.windows == b.windows && a.posix == b.posix &&
@@ -42,15 +61,14 @@ bool same_form(const model_t& a, const model_t& b) {
 path_t::path_t() = default;
 
 path_t::path_t(const std::wstring& text) {
-    model_t parsed;
-    int stop_position;
-    if (_internal::parse_path(text, parsed, false, stop_position)) {
-        path_ = std::move(parsed);
-    }
+    parse_into(path_, text.data(), text.data() + text.size());
 }
 
-path_t::path_t(const wchar_t* text)
-    : path_t(text == nullptr ? std::wstring() : std::wstring(text)) {}
+path_t::path_t(const wchar_t* text) {
+    if (text != nullptr) {
+        parse_into(path_, text, text + std::char_traits<wchar_t>::length(text));
+    }
+}
 
 path_t::path_t(const path_t& other) {
     assign(other);
@@ -67,13 +85,16 @@ path_t& path_t::operator=(const path_t& other) {
 
 path_t& path_t::operator=(path_t&& other) noexcept {
     if (this != &other) {
+        _internal::recycle_components(path_.components);
         path_ = std::move(other.path_);
         other.path_ = model_t();
     }
     return *this;
 }
 
-path_t::~path_t() = default;
+path_t::~path_t() {
+    _internal::recycle_components(path_.components);
+}
 
 bool path_t::is_posix() const {
     return path_.posix;
@@ -211,10 +232,6 @@ bool path_t::operator==(const path_t& other) const {
 
 bool path_t::operator!=(const path_t& other) const {
     return !(*this == other);
-}
-
-bool path_t::operator<(const path_t& other) const {
-    return as_string() < other.as_string();
 }
 
 path_t make_path(const std::wstring& text) {

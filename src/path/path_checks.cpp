@@ -1,5 +1,6 @@
 // path_t: validation, wildcard matching and what the file system says about a path.
 #include "os/file_status.hpp"
+#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
 
 #include <boost/regex.hpp>
@@ -42,7 +43,9 @@ std::wstring wildcard_to_regex(const std::wstring& pattern) {
 
 bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop_position) {
     _internal::path_internal_t<std::wstring> scratch;
-    return _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
+    const bool valid = _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
+    _internal::recycle_components(scratch.components);
+    return valid;
 }
 
 bool path_t::match(const std::wstring& pattern) const {
