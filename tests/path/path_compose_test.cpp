@@ -174,7 +174,8 @@ TEST(path_compose, copies_and_moves_are_whole_values) {
     EXPECT_EQ(moved.as_string(), L"\\\\srv\\share\\d\\more");
     assigned = std::move(moved);
     EXPECT_EQ(assigned.as_string(), L"\\\\srv\\share\\d\\more");
-    assigned = assigned;
+    const path_t& same = assigned;
+    assigned = same;
     EXPECT_EQ(assigned.as_string(), L"\\\\srv\\share\\d\\more");
 }
 
