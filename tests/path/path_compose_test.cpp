@@ -8,6 +8,8 @@
 
 #include <list>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -253,6 +255,28 @@ TEST(path_compose, extensions_of_files_but_not_of_directories) {
     EXPECT_EQ(root.get_ext(), L"");
     EXPECT_FALSE(root.change_ext(L"x"));
     EXPECT_EQ(root.as_string(), L"C:\\");
+}
+
+// Paths made on one thread and dropped on another, threads that end with nodes kept for
+// reuse, and a path that outlives every thread's store (destroyed at program exit): none of it
+// may leak, corrupt or mix up names.
+TEST(path_lifetime, paths_cross_threads_and_outlive_the_reuse_store) {
+    static const path_t outlives_everything(L"C:\\kept\\until\\exit");
+    std::vector<path_t> handed_over;
+    std::thread maker([&handed_over] {
+        for (int i = 0; i < 200; ++i) {
+            handed_over.emplace_back(L"C:\\made\\on\\another\\thread\\" + std::to_wstring(i));
+            path_t dropped(L"/dropped/here/" + std::to_wstring(i));
+        }
+    });
+    maker.join();
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(handed_over[static_cast<std::size_t>(i)].get_leaf(), std::to_wstring(i));
+    }
+    handed_over.clear();
+    const path_t reused(L"a\\b\\c\\d");
+    EXPECT_EQ(reused.as_string(), L"a\\b\\c\\d");
+    EXPECT_EQ(outlives_everything.as_string(), L"C:\\kept\\until\\exit");
 }
 
 } // namespace
