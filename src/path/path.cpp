@@ -156,8 +156,9 @@ bool path_t::append(const model_t& model) {
     if (is_empty()) {
         return assign(model);
     }
-    path_.components.insert(path_.components.end(), model.components.begin(),
-                            model.components.end());
+    // Copied aside first: `p.append(p)` inserts a list into itself.
+    std::list<std::wstring> added(model.components);
+    path_.components.splice(path_.components.end(), added);
     return true;
 }
 

@@ -40,6 +40,10 @@ TEST(path_compose, append_adds_relative_paths_only) {
         EXPECT_EQ(path.append(path_t(c.added)), c.appended);
         EXPECT_EQ(path.as_string(), c.printed);
     }
+    path_t twice(L"a\\b");
+    EXPECT_TRUE(twice.append(twice));
+    EXPECT_EQ(twice.as_string(), L"a\\b\\a\\b");
+
     // An empty base takes the form of what is appended, flags included.
     path_t empty;
     empty.append(path_t(L"\\\\?\\x"));
