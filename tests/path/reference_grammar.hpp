@@ -9,6 +9,7 @@
 #include <boost/spirit/include/classic.hpp>
 
 #include <clocale>
+#include <cwctype>
 #include <string>
 
 namespace velmor2::test {
@@ -72,10 +73,13 @@ struct append_name_t {
 
 } // namespace reference_detail
 
-/// Parses like the library's `parse_path`, with the grammar built from combinators. The
-/// drive letter is `alpha_p`, whose test follows the process locale: callers run it under
-/// the "C" locale (see `c_locale_guard_t`), where it accepts exactly the ASCII letters the
-/// hand-written parser accepts.
+/// Parses like the library's `parse_path`, with the grammar built from combinators.
+///
+/// The drive letter is `alpha_p`, whose test (`iswalpha`) follows the process locale, while
+/// the library takes ASCII letters only. Callers run the reference under the "C" locale (see
+/// `c_locale_guard_t`), where glibc's `iswalpha` accepts exactly the ASCII letters. A C library
+/// whose "C" locale still classifies other letters (the Windows one does) gets the ASCII
+/// letters as a character set instead.
 class reference_parser_t {
   public:
     explicit reference_parser_t(bool forbid_wildcards) {
@@ -89,7 +93,12 @@ class reference_parser_t {
         }
         invalid_char = ch_p(L'|') | ch_p(L'>') | ch_p(L'<') | ch_p(L':') | ch_p(L'"') | wildcard;
         name = (+(anychar_p - separator - invalid_char))[append_name_t{model_}];
-        drive_spec = alpha_p[assign_a(model_.drive)] >> ch_p(L':');
+        if (std::iswalpha(0xE9) == 0 && std::iswalpha(0x4E2D) == 0) {
+            letter = alpha_p;
+        } else {
+            letter = chset_p(L"a-zA-Z");
+        }
+        drive_spec = letter[assign_a(model_.drive)] >> ch_p(L':');
         posix_root = separator >> !name;
         absolute_start =
             drive_spec[abs_windows_match_t{model_}] | posix_root[abs_posix_match_t{model_}];
@@ -127,8 +136,8 @@ class reference_parser_t {
 
   private:
     reference_detail::model_t model_;
-    reference_detail::rule_t separator, long_path_prefix, wildcard, invalid_char, name, drive_spec,
-        posix_root, absolute_start, relative_start, network_start, blank, path;
+    reference_detail::rule_t letter, separator, long_path_prefix, wildcard, invalid_char, name,
+        drive_spec, posix_root, absolute_start, relative_start, network_start, blank, path;
 };
 
 /// Holds the "C" character classification for its lifetime (the reference's drive letter
