@@ -219,4 +219,23 @@ TEST_F(path_status_posix, readonly_when_the_caller_may_not_write) {
     EXPECT_FALSE(unknown);
 }
 
+#if defined(_WIN32)
+// The security check and the read-only attribute through the Win32 calls.
+TEST_F(path_status, readonly_of_missing_writable_and_read_only_files_on_windows) {
+    bool read_only = true;
+    bool unknown = false;
+    path_t::readonly(dir_.text("missing"), read_only, unknown);
+    EXPECT_FALSE(read_only);
+    EXPECT_TRUE(unknown);
+    const std::wstring file = dir_.make_file("f");
+    path_t::readonly(file, read_only, unknown);
+    EXPECT_FALSE(read_only);
+    EXPECT_FALSE(unknown);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+    path_t::readonly(file, read_only, unknown);
+    EXPECT_TRUE(read_only);
+    EXPECT_FALSE(unknown);
+}
+#endif
+
 } // namespace
