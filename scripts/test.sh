@@ -13,7 +13,7 @@ cmake --build build/check --parallel "$jobs"
 ctest --test-dir build/check --output-on-failure --parallel "$jobs"
 
 cmake -S . -B build/sanitize -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON \
-  -DCMAKE_CXX_COMPILER=clang++ -DVELMOR_SANITIZE=address,undefined
+  -DCMAKE_CXX_COMPILER=clang++ -DVELMOR_SANITIZE=address,undefined -DVELMOR_BUILD_FUZZ=ON
 cmake --build build/sanitize --parallel "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"

@@ -13,16 +13,23 @@
 // outright, the stop position is where a combinator parser leaves its cursor: one past an
 // invalid first character.
 #include "path/grammar.hpp"
+#include "path/component_pool.hpp"
 
 namespace velmor2::_internal {
 namespace {
 
-bool is_separator(wchar_t c) { return c == L'\\' || c == L'/'; }
-bool is_blank(wchar_t c) { return c == L' ' || c == L'\t'; }
-bool is_letter(wchar_t c) { return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z'); }
+bool is_separator(wchar_t c) {
+    return c == L'\\' || c == L'/';
+}
+bool is_blank(wchar_t c) {
+    return c == L' ' || c == L'\t';
+}
+bool is_letter(wchar_t c) {
+    return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
+}
 
 class parser_t {
-public:
+  public:
     parser_t(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
              bool forbid_wildcards)
         : p_(begin), end_(end), out_(out), forbid_wildcards_(forbid_wildcards) {}
@@ -55,7 +62,7 @@ public:
 
     const wchar_t* position() const { return p_; }
 
-private:
+  private:
     bool is_name_char(wchar_t c) const {
         switch (c) {
         case L'\\':
@@ -93,7 +100,7 @@ private:
             }
             return false;
         }
-        out_.components.emplace_back(start, p_);
+        append_component(out_.components, start, p_);
         if (copy_to != nullptr) {
             *copy_to = out_.components.back();
         }
@@ -163,7 +170,9 @@ private:
     bool forbid_wildcards_;
 };
 
-bool is_quote(wchar_t c) { return c == L'\'' || c == L'"'; }
+bool is_quote(wchar_t c) {
+    return c == L'\'' || c == L'"';
+}
 
 } // namespace
 
@@ -177,16 +186,19 @@ path_internal_t<std::wstring> name_model(const std::wstring& name) {
     return model;
 }
 
-bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out,
+bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out, bool forbid_wildcards,
+                int& stop_position) {
+    return parse_path(text.data(), text.data() + text.size(), out, forbid_wildcards, stop_position);
+}
+
+bool parse_path(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
                 bool forbid_wildcards, int& stop_position) {
-    out.components.clear();
+    recycle_components(out.components);
     out.relative = out.absolute = out.network = false;
     out.drive.clear();
     out.server.clear();
     out.windows = out.posix = true;
 
-    const wchar_t* begin = text.data();
-    const wchar_t* end = begin + text.size();
     while (begin != end && is_quote(*begin)) {
         ++begin;
     }

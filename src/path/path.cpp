@@ -1,8 +1,10 @@
 // path_t: construction, composition, normalisation and comparison on the parsed model.
+#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
 #include "text/convert.hpp"
 
 #include <locale>
+#include <optional>
 #include <utility>
 
 namespace velmor2 {
@@ -10,27 +12,44 @@ namespace {
 
 using model_t = _internal::path_internal_t<std::wstring>;
 
-// Case-insensitive comparison with the global locale's upper-casing.
+// Case-insensitive comparison with the global locale's upper-casing. The locale is looked up
+// only when two characters differ: equal paths, the common case, never need it.
 class same_text_t {
-public:
-    same_text_t() : locale_(), ctype_(std::use_facet<std::ctype<wchar_t>>(locale_)) {}
-
+  public:
     bool operator()(const std::wstring& a, const std::wstring& b) const {
         if (a.size() != b.size()) {
             return false;
         }
         for (std::size_t i = 0; i < a.size(); ++i) {
-            if (a[i] != b[i] && ctype_.toupper(a[i]) != ctype_.toupper(b[i])) {
+            if (a[i] != b[i] && upper(a[i]) != upper(b[i])) {
                 return false;
             }
         }
         return true;
     }
 
-private:
-    std::locale locale_;
-    const std::ctype<wchar_t>& ctype_;
+  private:
+    wchar_t upper(wchar_t c) const {
+        if (!locale_) {
+            locale_.emplace();
+            ctype_ = &std::use_facet<std::ctype<wchar_t>>(*locale_);
+        }
+        return ctype_->toupper(c);
+    }
+
+    mutable std::optional<std::locale> locale_;
+    mutable const std::ctype<wchar_t>* ctype_ = nullptr;
 };
+
+// Parses with wildcards allowed, as the constructors do; text that does not parse completely
+// leaves the empty model, nothing of the partial parse.
+void parse_into(model_t& model, const wchar_t* begin, const wchar_t* end) {
+    int stop_position;
+    if (!_internal::parse_path(begin, end, model, false, stop_position)) {
+        _internal::recycle_components(model.components);
+        model = model_t();
+    }
+}
 
 bool same_form(const model_t& a, const model_t& b) {
     return a.relative == b.relative && a.windows == b.windows && a.posix == b.posix &&
@@ -42,18 +61,22 @@ bool same_form(const model_t& a, const model_t& b) {
 path_t::path_t() = default;
 
 path_t::path_t(const std::wstring& text) {
-    model_t parsed;
-    int stop_position;
-    if (_internal::parse_path(text, parsed, false, stop_position)) {
-        path_ = std::move(parsed);
+    parse_into(path_, text.data(), text.data() + text.size());
+}
+
+path_t::path_t(const wchar_t* text) {
+    if (text != nullptr) {
+        parse_into(path_, text, text + std::char_traits<wchar_t>::length(text));
     }
 }
 
-path_t::path_t(const wchar_t* text) : path_t(text == nullptr ? std::wstring() : std::wstring(text)) {}
+path_t::path_t(const path_t& other) {
+    assign(other);
+}
 
-path_t::path_t(const path_t& other) { assign(other); }
-
-path_t::path_t(path_t&& other) noexcept : path_(std::move(other.path_)) { other.path_ = model_t(); }
+path_t::path_t(path_t&& other) noexcept : path_(std::move(other.path_)) {
+    other.path_ = model_t();
+}
 
 path_t& path_t::operator=(const path_t& other) {
     assign(other);
@@ -62,22 +85,39 @@ path_t& path_t::operator=(const path_t& other) {
 
 path_t& path_t::operator=(path_t&& other) noexcept {
     if (this != &other) {
+        _internal::recycle_components(path_.components);
         path_ = std::move(other.path_);
         other.path_ = model_t();
     }
     return *this;
 }
 
-path_t::~path_t() = default;
+path_t::~path_t() {
+    _internal::recycle_components(path_.components);
+}
 
-bool path_t::is_posix() const { return path_.posix; }
-bool path_t::is_windows() const { return path_.windows; }
-bool path_t::is_absolute() const { return path_.absolute; }
-bool path_t::is_drive_path() const { return path_.windows && path_.absolute && !path_.network; }
-bool path_t::is_empty() const { return as_string().empty(); }
-wchar_t path_t::get_separator_char() { return L'\\'; }
+bool path_t::is_posix() const {
+    return path_.posix;
+}
+bool path_t::is_windows() const {
+    return path_.windows;
+}
+bool path_t::is_absolute() const {
+    return path_.absolute;
+}
+bool path_t::is_drive_path() const {
+    return path_.windows && path_.absolute && !path_.network;
+}
+bool path_t::is_empty() const {
+    return as_string().empty();
+}
+wchar_t path_t::get_separator_char() {
+    return L'\\';
+}
 
-bool path_t::assign(const path_t& other) { return assign(other.path_); }
+bool path_t::assign(const path_t& other) {
+    return assign(other.path_);
+}
 
 bool path_t::assign(const model_t& model) {
     if (&model != &path_) {
@@ -87,20 +127,27 @@ bool path_t::assign(const model_t& model) {
 }
 
 bool path_t::assign(const std::list<std::wstring>& parts) {
+    // The first text gives the form (it may be a root such as `C:` or `\`); the others are
+    // appended to it, so they must be relative.
     path_t joined;
+    bool first = true;
     for (const std::wstring& part : parts) {
         model_t parsed;
         int stop_position;
-        if (!_internal::parse_path(part, parsed, false, stop_position) || !joined.append(parsed)) {
+        if (!_internal::parse_path(part, parsed, false, stop_position) ||
+            !(first ? joined.assign(parsed) : joined.append(parsed))) {
             path_ = model_t();
             return false;
         }
+        first = false;
     }
     path_ = std::move(joined.path_);
     return true;
 }
 
-bool path_t::append(const path_t& other) { return append(other.path_); }
+bool path_t::append(const path_t& other) {
+    return append(other.path_);
+}
 
 bool path_t::append(const model_t& model) {
     if (model.absolute || model.network) {
@@ -109,8 +156,9 @@ bool path_t::append(const model_t& model) {
     if (is_empty()) {
         return assign(model);
     }
-    path_.components.insert(path_.components.end(), model.components.begin(),
-                            model.components.end());
+    // Copied aside first: `p.append(p)` inserts a list into itself.
+    std::list<std::wstring> added(model.components);
+    path_.components.splice(path_.components.end(), added);
     return true;
 }
 
@@ -183,9 +231,9 @@ bool path_t::operator==(const path_t& other) const {
                       other.path_.components.begin(), same);
 }
 
-bool path_t::operator!=(const path_t& other) const { return !(*this == other); }
-
-bool path_t::operator<(const path_t& other) const { return as_string() < other.as_string(); }
+bool path_t::operator!=(const path_t& other) const {
+    return !(*this == other);
+}
 
 path_t make_path(const std::wstring& text) {
     path_t path(_internal::to_ustring(text));

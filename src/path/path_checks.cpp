@@ -1,5 +1,6 @@
 // path_t: validation, wildcard matching and what the file system says about a path.
 #include "os/file_status.hpp"
+#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
 
 #include <boost/regex.hpp>
@@ -42,7 +43,9 @@ std::wstring wildcard_to_regex(const std::wstring& pattern) {
 
 bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop_position) {
     _internal::path_internal_t<std::wstring> scratch;
-    return _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
+    const bool valid = _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
+    _internal::recycle_components(scratch.components);
+    return valid;
 }
 
 bool path_t::match(const std::wstring& pattern) const {
@@ -79,7 +82,9 @@ bool path_t::exists(const std::wstring& text) {
            _internal::os::drive_has_root(path.path_.drive[0]);
 }
 
-bool path_t::is_exists() const { return exists(as_string()); }
+bool path_t::is_exists() const {
+    return exists(as_string());
+}
 
 bool path_t::is_directory(const std::wstring& text) {
     _internal::os::attributes_t attributes;
@@ -87,7 +92,9 @@ bool path_t::is_directory(const std::wstring& text) {
     return _internal::os::get_attributes(text, attributes, error) && attributes.directory;
 }
 
-bool path_t::is_directory() const { return is_directory(as_string()); }
+bool path_t::is_directory() const {
+    return is_directory(as_string());
+}
 
 void path_t::readonly(const std::wstring& text, bool& read_only, bool& unknown) {
     read_only = false;

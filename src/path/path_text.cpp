@@ -2,6 +2,8 @@
 #include "os/file_status.hpp"
 #include "path/grammar.hpp"
 
+#include <cwchar>
+
 namespace velmor2 {
 namespace {
 
@@ -10,10 +12,18 @@ using model_t = _internal::path_internal_t<std::wstring>;
 constexpr std::size_t long_path_length = 248;
 constexpr const wchar_t* long_path_prefix = L"\\\\?\\";
 
-// The printed form of the model's first `count` components, before the long-path rule.
-std::wstring print(const model_t& model, std::size_t count) {
-    std::wstring out;
+// Writes the printed form of the model's first `count` components to `out` (emptied first),
+// the long-path prefix included. `out` is sized once, so printing allocates at most once.
+void print_into(std::wstring& out, const model_t& model, std::size_t count) {
+    out.clear();
+    std::size_t length = std::wcslen(long_path_prefix) + model.drive.size() + 3;
     auto it = model.components.begin();
+    for (std::size_t i = 0; i < count; ++i, ++it) {
+        length += it->size() + 1;
+    }
+    out.reserve(length);
+
+    it = model.components.begin();
     if (model.relative) {
         for (std::size_t i = 0; i < count; ++i, ++it) {
             if (i != 0) {
@@ -21,45 +31,45 @@ std::wstring print(const model_t& model, std::size_t count) {
             }
             out += *it;
         }
-        return out;
-    }
-    if (!model.absolute) {
-        return out;
-    }
-    if (!model.windows) {
-        if (model.posix && count == 0) {
+    } else if (model.absolute) {
+        if (!model.windows) {
+            if (model.posix && count == 0) {
+                out += L'\\';
+            }
+        } else if (!model.network) {
+            out += model.drive;
+            out += L':';
+            if (count == 0) {
+                out += L'\\';
+            }
+        } else {
             out += L'\\';
         }
-    } else if (!model.network) {
-        out += model.drive;
-        out += L':';
-        if (count == 0) {
+        for (std::size_t i = 0; i < count; ++i, ++it) {
             out += L'\\';
+            out += *it;
         }
-    } else {
-        out += L'\\';
     }
-    for (std::size_t i = 0; i < count; ++i, ++it) {
-        out += L'\\';
-        out += *it;
+    if (out.size() >= long_path_length) {
+        out.insert(0, long_path_prefix);
     }
-    return out;
 }
 
-std::wstring with_long_prefix(std::wstring text) {
-    if (text.size() >= long_path_length) {
-        text.insert(0, long_path_prefix);
-    }
-    return text;
+std::wstring print(const model_t& model, std::size_t count) {
+    std::wstring out;
+    print_into(out, model, count);
+    return out;
 }
 
 } // namespace
 
 std::wstring path_t::as_string() const {
-    return with_long_prefix(print(path_, path_.components.size()));
+    return print(path_, path_.components.size());
 }
 
-std::wstring path_t::as_native_string() const { return _internal::os::native_text(as_string()); }
+std::wstring path_t::as_native_string() const {
+    return _internal::os::native_text(as_string());
+}
 
 std::list<std::wstring> path_t::as_string_list() const {
     std::list<std::wstring> out(path_.components.begin(), path_.components.end());
@@ -88,7 +98,7 @@ std::wstring path_t::get_branch() const {
         }
         return path_.windows ? path_.drive + L":\\" : L"\\";
     }
-    return with_long_prefix(print(path_, count - 1));
+    return print(path_, count - 1);
 }
 
 std::wstring path_t::get_leaf() const {
@@ -117,6 +127,15 @@ bool path_t::change_ext(const std::wstring& ext) {
     }
     leaf += ext;
     return true;
+}
+
+bool path_t::operator<(const path_t& other) const {
+    // Printed into buffers kept per thread: ordering a list of paths allocates nothing.
+    thread_local std::wstring mine;
+    thread_local std::wstring theirs;
+    print_into(mine, path_, path_.components.size());
+    print_into(theirs, other.path_, other.path_.components.size());
+    return mine < theirs;
 }
 
 } // namespace velmor2

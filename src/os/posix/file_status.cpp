@@ -23,11 +23,27 @@ std::wstring native_text(const std::wstring& printed) {
     return out;
 }
 
-std::string native_bytes(const std::wstring& printed) { return to_utf8(native_text(printed)); }
+std::string native_bytes(const std::wstring& printed) {
+    return to_utf8(native_text(printed));
+}
+
+namespace {
+
+// A text with a NUL in it names nothing: the system would read only the part before it.
+bool names_an_entry(const std::string& native) {
+    return native.find('\0') == std::string::npos;
+}
+
+} // namespace
 
 bool get_attributes(const std::wstring& text, attributes_t& attributes, error_kind_t& error) {
+    const std::string native = native_bytes(text);
+    if (!names_an_entry(native)) {
+        error = error_kind_t::bad_name;
+        return false;
+    }
     struct stat st;
-    if (::stat(native_bytes(text).c_str(), &st) != 0) {
+    if (::stat(native.c_str(), &st) != 0) {
         error = last_error();
         return false;
     }
@@ -38,14 +54,18 @@ bool get_attributes(const std::wstring& text, attributes_t& attributes, error_ki
     return true;
 }
 
-bool drive_has_root(wchar_t) { return false; }
+bool drive_has_root(wchar_t) {
+    return false;
+}
 
-bool is_cdrom_drive(wchar_t) { return false; }
+bool is_cdrom_drive(wchar_t) {
+    return false;
+}
 
 write_access_t check_write_access(const std::wstring& text) {
     const std::string native = native_bytes(text);
     struct stat st;
-    if (::stat(native.c_str(), &st) != 0) {
+    if (!names_an_entry(native) || ::stat(native.c_str(), &st) != 0) {
         return write_access_t::unknown;
     }
     if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {

@@ -8,7 +8,14 @@
 namespace velmor2::_internal::os {
 namespace {
 
-std::wstring drive_root(wchar_t letter) { return std::wstring(1, letter) + L":\\"; }
+// A text with a NUL in it names nothing: the system would read only the part before it.
+bool names_an_entry(const std::wstring& text) {
+    return text.find(L'\0') == std::wstring::npos;
+}
+
+std::wstring drive_root(wchar_t letter) {
+    return std::wstring(1, letter) + L":\\";
+}
 
 struct handle_closer_t {
     void operator()(HANDLE h) const { CloseHandle(h); }
@@ -30,9 +37,15 @@ unique_handle_t open_caller_token() {
 
 } // namespace
 
-std::wstring native_text(const std::wstring& printed) { return printed; }
+std::wstring native_text(const std::wstring& printed) {
+    return printed;
+}
 
 bool get_attributes(const std::wstring& text, attributes_t& attributes, error_kind_t& error) {
+    if (!names_an_entry(text)) {
+        error = error_kind_t::bad_name;
+        return false;
+    }
     const DWORD value = GetFileAttributesW(text.c_str());
     if (value == INVALID_FILE_ATTRIBUTES) {
         error = last_error();
@@ -53,6 +66,9 @@ bool is_cdrom_drive(wchar_t letter) {
 }
 
 write_access_t check_write_access(const std::wstring& text) {
+    if (!names_an_entry(text)) {
+        return write_access_t::unknown;
+    }
     unique_handle_t token = open_caller_token();
     if (!token) {
         return write_access_t::unknown;

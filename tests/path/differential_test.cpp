@@ -1,0 +1,98 @@
+// The hand-written parser against the combinator reference, on texts built to hit every corner.
+#include "path/differential.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using velmor2::test::c_locale_guard_t;
+using velmor2::test::differential_t;
+
+// Pieces that each exercise a rule: separators, the invalid characters, wildcards, quotes,
+// blanks, dots, drive-letter material, non-ASCII letters and the long-path prefix.
+const std::vector<std::wstring> trouble_pieces = {
+    L"\\", L"/",  L":",  L".", L"..",     L"*",      L"?",      L"|",       L"<",
+    L">",  L"\"", L"'",  L" ", L"\t",     L"a",      L"C",      L"z",       L"0",
+    L"9",  L"x",  L"\\", L"/", L"\u00e9", L"\u4e2d", L"\u00c9", L"\\\\?\\", L"c:",
+};
+
+// Single characters for the exhaustive short texts.
+const std::wstring short_alphabet = L"\\/:.*?|\"' \tC\u00e9";
+
+// A fixed generator so that every run sees the same texts on every platform.
+class prng_t {
+  public:
+    std::uint32_t next() {
+        state_ ^= state_ << 13;
+        state_ ^= state_ >> 7;
+        state_ ^= state_ << 17;
+        return static_cast<std::uint32_t>(state_ >> 32);
+    }
+
+  private:
+    std::uint64_t state_ = 0x9e3779b97f4a7c15ULL;
+};
+
+class path_differential : public testing::TestWithParam<bool> {
+  protected:
+    // Counts a difference and reports the first few in full.
+    void check(differential_t& differential, const std::wstring& text) {
+        const std::string difference = differential.difference(text);
+        if (!difference.empty() && ++failures_ <= 20) {
+            ADD_FAILURE() << difference;
+        }
+    }
+
+    void TearDown() override { EXPECT_EQ(failures_, 0); }
+
+    c_locale_guard_t locale_;
+    int failures_ = 0;
+};
+
+TEST_P(path_differential, every_short_text) {
+    differential_t differential(GetParam());
+    std::wstring text;
+    // Every text of up to four characters over the alphabet, in counting order.
+    std::vector<std::size_t> digits;
+    for (;;) {
+        text.clear();
+        for (std::size_t digit : digits) {
+            text += short_alphabet[digit];
+        }
+        check(differential, text);
+        std::size_t i = 0;
+        while (i < digits.size() && ++digits[i] == short_alphabet.size()) {
+            digits[i++] = 0;
+        }
+        if (i == digits.size()) {
+            if (digits.size() == 4) {
+                break;
+            }
+            digits.push_back(0);
+        }
+    }
+}
+
+TEST_P(path_differential, generated_texts) {
+    differential_t differential(GetParam());
+    prng_t prng;
+    std::wstring text;
+    for (int n = 0; n < 200000; ++n) {
+        text.clear();
+        const std::uint32_t pieces = prng.next() % 13;
+        for (std::uint32_t i = 0; i < pieces; ++i) {
+            text += trouble_pieces[prng.next() % trouble_pieces.size()];
+        }
+        check(differential, text);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(wildcards, path_differential, testing::Values(false, true),
+                         [](const testing::TestParamInfo<bool>& info) {
+                             return info.param ? "forbidden" : "permitted";
+                         });
+
+} // namespace

@@ -1,0 +1,241 @@
+// Validation positions, wildcard matching and what the file system says about a path.
+#include "path/print_path.hpp"
+#include "path/scratch_dir.hpp"
+
+#include <velmor2/path.hpp>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
+namespace {
+
+using velmor2::path_t;
+using velmor2::test::scratch_dir_t;
+
+TEST(path_validate, gives_the_first_character_not_accepted) {
+    struct case_t {
+        const wchar_t* text;
+        bool forbid_wildcards;
+        bool valid;
+        int position;
+    };
+    const case_t cases[] = {
+        {L"C:\\a\\*.txt", true, false, 5},
+        {L"C:\\a\\*.txt", false, true, -1},
+        {L"C:\\x\\?", true, false, 5},
+        {L"\"C:\\a|b\"", false, false, 4}, // counted after the leading quote
+        {L"", false, false, 0},
+        {L"C:\\a:b", false, false, 4},
+        {L"ab:c", false, false, 2},
+        {L"a\"b", false, false, 1},
+        {L"'it's'", false, true, -1},
+        {L"a:b", false, true, -1},
+        {L"C:\\x\\  ", false, true, -1},
+        // The prefix's `?` is not a wildcard.
+        {L"\\\\?\\C:\\x", true, true, -1},
+        // A prefix with nothing after it: the prefix is kept and no start can follow it.
+        {L"\\\\?\\", false, false, 4},
+        // When no start matches, the cursor is left past the first bad character, where the
+        // failed name left it: the position is one beyond that character.
+        {L"|x", false, false, 1},
+        {L"?", true, false, 1},
+        {L"   ", false, false, 3},
+        {L"  <", false, false, 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "[" << c.text << "] forbid " << c.forbid_wildcards);
+        int position = -2;
+        EXPECT_EQ(path_t::validate(c.text, c.forbid_wildcards, position), c.valid);
+        EXPECT_EQ(position, c.position);
+    }
+}
+
+TEST(path_match, compares_the_printed_form_with_a_wildcard_pattern) {
+    struct case_t {
+        const wchar_t* path;
+        const wchar_t* pattern;
+        bool matches;
+    };
+    const case_t cases[] = {
+        {L"C:\\src\\a.cpp", L"C:\\src\\*.cpp", true},
+        {L"C:\\src\\a.cpp", L"c:\\src\\*.cpp", false},
+        {L"C:\\src\\a.cpp", L"C:/src/*.cpp", false},
+        {L"C:\\src\\a.cpp", L"*.cpp", true},
+        {L"C:\\src\\a.cpp", L"C:\\src\\?.cpp", true},
+        {L"C:\\src\\a.cpp", L"C:\\src\\a.c", false},
+        {L"C:\\src\\a.cpp", L"C:\\src\\a?cpp", true},
+        {L"C:\\src\\a.cpp", L"C:\\src\\a.cpp*", true},
+        {L"/usr/lib", L"\\usr\\*", true},
+        {L"/usr/lib", L"/usr/*", false},
+        // Every regular-expression character of the pattern stands for itself.
+        {L"x\\a+b(1)[2]{3}^$.txt", L"x\\a+b(1)[2]{3}^$.txt", true},
+        {L"a", L"a|b", false},
+        {L"x\\aab", L"x\\a+b", false},
+        {L"x\\abc", L"x\\[a-z]bc", false},
+        {L"\u00e9\\\u4e2d", L"?\\?", true},
+        {L"", L"*", true},
+        {L"", L"", true},
+        {L"a", L"", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "[" << c.path << "] ~ [" << c.pattern << "]");
+        EXPECT_EQ(path_t(c.path).match(c.pattern), c.matches);
+    }
+}
+
+TEST(path_match, survives_a_pattern_built_to_backtrack) {
+    const path_t path(L"\\" + std::wstring(60, L'a'));
+    std::wstring pattern;
+    for (int i = 0; i < 30; ++i) {
+        pattern += L"*a";
+    }
+    EXPECT_FALSE(path.match(pattern + L"b"));
+}
+
+class path_status : public testing::Test {
+  protected:
+    scratch_dir_t dir_;
+};
+
+// The meanings the POSIX calls give: `stat` errors, modes, effective access.
+class path_status_posix : public path_status {
+  protected:
+    void SetUp() override {
+#if defined(_WIN32)
+        GTEST_SKIP() << "POSIX meanings";
+#endif
+    }
+
+    static bool running_as_root() {
+#if defined(_WIN32)
+        return false;
+#else
+        return ::geteuid() == 0;
+#endif
+    }
+};
+
+TEST_F(path_status, exists_and_is_directory) {
+    const std::wstring file = dir_.make_file("f.txt");
+    const std::wstring sub = dir_.make_dir("sub");
+    struct case_t {
+        std::wstring text;
+        bool exists;
+        bool directory;
+    };
+    const case_t cases[] = {
+        {file, true, false},
+        {sub, true, true},
+        {dir_.text("missing"), false, false},
+        // A file used as a directory is "not there".
+        {file + L"/child", false, false},
+        // A NUL ends the text for the system; such a text names nothing.
+        {sub + std::wstring(1, L'\0') + L"x", false, false},
+        {L"", false, false},
+        // No bare drives on POSIX: `Q:` does not get a second chance.
+        {L"Q:", false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "[" << c.text << "]");
+        EXPECT_EQ(path_t::exists(c.text), c.exists);
+        EXPECT_EQ(path_t::is_directory(c.text), c.directory);
+    }
+    // The members ask about the printed form, which the system gets in its own spelling.
+    const path_t sub_path(sub);
+    EXPECT_TRUE(sub_path.is_exists());
+    EXPECT_TRUE(sub_path.is_directory());
+    EXPECT_FALSE(path_t().is_exists());
+}
+
+TEST_F(path_status_posix, long_paths_reach_the_system_without_their_prefix) {
+    std::string relative;
+    for (int i = 0; i < 3; ++i) {
+        relative += (i == 0 ? "" : "/") + std::string(100, static_cast<char>('a' + i));
+    }
+    const path_t deep(dir_.make_dir(relative));
+    ASSERT_EQ(deep.as_string().compare(0, 4, L"\\\\?\\"), 0);
+    EXPECT_TRUE(deep.is_exists());
+    EXPECT_TRUE(deep.is_directory());
+}
+
+TEST_F(path_status_posix, a_name_too_long_is_not_there) {
+    EXPECT_FALSE(path_t::exists(dir_.text(std::string(300, 'n'))));
+}
+
+TEST_F(path_status_posix, exists_counts_an_unreadable_entry_as_there) {
+    if (running_as_root()) {
+        GTEST_SKIP() << "root is not refused";
+    }
+    const std::wstring sub = dir_.make_dir("locked");
+    dir_.make_file("locked/f");
+    std::filesystem::permissions(sub, std::filesystem::perms::none);
+    EXPECT_TRUE(path_t::exists(sub + L"/f"));
+    EXPECT_TRUE(path_t::exists(sub + L"/missing"));
+}
+
+TEST_F(path_status_posix, readonly_of_missing_writable_and_read_only_entries) {
+    const auto check = [](const std::wstring& text) {
+        bool read_only = true;
+        bool unknown = false;
+        path_t::readonly(text, read_only, unknown);
+        return std::make_pair(read_only, unknown);
+    };
+    using result_t = std::pair<bool, bool>;
+    EXPECT_EQ(check(dir_.text("missing")), result_t(false, true));
+    const std::wstring file = dir_.make_file("f");
+    EXPECT_EQ(check(file), result_t(false, false));
+    EXPECT_FALSE(path_t(file).is_readonly());
+
+    // No write bit at all is the read-only attribute, for root as well.
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read |
+                                           std::filesystem::perms::group_read);
+    EXPECT_EQ(check(file), result_t(true, false));
+    EXPECT_TRUE(path_t(file).is_readonly());
+    const std::wstring sub = dir_.make_dir("sub");
+    std::filesystem::permissions(sub, std::filesystem::perms::owner_read |
+                                          std::filesystem::perms::owner_exec);
+    EXPECT_EQ(check(sub), result_t(true, false));
+
+    EXPECT_FALSE(path_t().is_readonly());
+}
+
+TEST_F(path_status_posix, readonly_when_the_caller_may_not_write) {
+    if (running_as_root()) {
+        GTEST_SKIP() << "root may write whatever the mode says";
+    }
+    // Others may write, the owner may not: the caller's effective access decides.
+    const std::wstring file = dir_.make_file("f");
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read |
+                                           std::filesystem::perms::others_write);
+    bool read_only = false;
+    bool unknown = true;
+    path_t::readonly(file, read_only, unknown);
+    EXPECT_TRUE(read_only);
+    EXPECT_FALSE(unknown);
+}
+
+#if defined(_WIN32)
+// The security check and the read-only attribute through the Win32 calls.
+TEST_F(path_status, readonly_of_missing_writable_and_read_only_files_on_windows) {
+    bool read_only = true;
+    bool unknown = false;
+    path_t::readonly(dir_.text("missing"), read_only, unknown);
+    EXPECT_FALSE(read_only);
+    EXPECT_TRUE(unknown);
+    const std::wstring file = dir_.make_file("f");
+    path_t::readonly(file, read_only, unknown);
+    EXPECT_FALSE(read_only);
+    EXPECT_FALSE(unknown);
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
+    path_t::readonly(file, read_only, unknown);
+    EXPECT_TRUE(read_only);
+    EXPECT_FALSE(unknown);
+}
+#endif
+
+} // namespace
