@@ -25,12 +25,7 @@ error_kind_t last_error() {
     case EWOULDBLOCK:
         return error_kind_t::sharing_violation;
     case ENAMETOOLONG:
-    case EILSEQ:
         return error_kind_t::bad_name;
-    case ENXIO:
-    case ENODEV:
-    case EHOSTUNREACH:
-        return error_kind_t::not_ready;
     default:
         return error_kind_t::other;
     }
