@@ -13,6 +13,7 @@
 #include <map>
 #include <string>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 // libxml2's document and node types; users who write handlers include <libxml/tree.h>.
@@ -231,12 +232,14 @@ class VELMOR_API advanced_xml_config_t {
     void parse_node(xmlNode* node);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
-    void save_value_element(const std::wstring& key, const boost::any& value, xmlNode* element);
 
     /// The values under lower-cased keys.
     std::map<std::wstring, boost::any> values;
     /// The handlers, searched front to back; the first match wins.
     std::list<smart_pointer_t<handler_base_t>> handlers;
+    /// Hash index of exactly the entries of `values`, so that look-ups do not walk the tree:
+    /// open addressing, a slot holds the key's hash and its entry (null when free).
+    std::vector<std::pair<std::size_t, std::pair<const std::wstring, boost::any>*>> index;
 };
 
 /// Opens `file` for reading (other writers excluded) and parses it without printing errors;
