@@ -12,6 +12,8 @@
 #include <list>
 #include <map>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -238,8 +240,11 @@ class VELMOR_API advanced_xml_config_t {
     /// The handlers, searched front to back; the first match wins.
     std::list<smart_pointer_t<handler_base_t>> handlers;
     /// Hash index of exactly the entries of `values`, so that look-ups do not walk the tree:
-    /// open addressing, a slot holds the key's hash and its entry (null when free).
-    std::vector<std::pair<std::size_t, std::pair<const std::wstring, boost::any>*>> index;
+    /// open addressing, a slot holds the key's hash, the key (viewing the entry's own) and the
+    /// entry (null when free).
+    std::vector<
+        std::tuple<std::size_t, std::wstring_view, std::pair<const std::wstring, boost::any>*>>
+        index;
 };
 
 /// Opens `file` for reading (other writers excluded) and parses it without printing errors;

@@ -8,17 +8,21 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 namespace velmor2::_internal::key_index {
 
-/// An entry of the store's values; map entries never move while they exist.
+/// An entry of the store's values; map entries (and so their keys' text) never move while
+/// they exist.
 using entry_t = std::pair<const std::wstring, boost::any>;
-/// A slot: the key's hash and its entry, or a null entry when free. Open addressing with
-/// linear probing over a power-of-two table at most half full; entries are never removed one
-/// by one (the store only clears or replaces all of them).
-using slot_t = std::pair<std::size_t, entry_t*>;
+/// A slot: the key's hash, the key viewing the entry's own text, and the entry; a null entry
+/// marks a free slot. The key is kept beside the entry so that comparing it and fetching the
+/// entry do not wait for each other.
+using slot_t = std::tuple<std::size_t, std::wstring_view, entry_t*>;
+/// Open addressing with linear probing over a power-of-two table at most half full. Entries
+/// are never removed one by one: the store only clears or replaces all of them.
 using index_t = std::vector<slot_t>;
 
 /// The hash `find` and `add` expect for `key`.
@@ -33,5 +37,9 @@ void add(index_t& index, std::size_t count, std::size_t hash, entry_t* entry);
 
 /// An index of every entry of `values`.
 index_t build(std::map<std::wstring, boost::any>& values);
+
+/// Every entry of `values`, which `index` indexes, in key order.
+std::vector<const entry_t*> in_key_order(const std::map<std::wstring, boost::any>& values,
+                                         const index_t& index);
 
 } // namespace velmor2::_internal::key_index
