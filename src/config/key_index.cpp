@@ -84,7 +84,7 @@ std::vector<const entry_t*> in_key_order(const std::map<std::wstring, boost::any
     // at keys taken from the index, where they lie in no particular order, and the pieces are
     // walked side by side: their steps do not depend on each other, and the processor fetches
     // their nodes at the same time.
-    constexpr std::size_t pieces = 256;
+    constexpr std::size_t pieces = 64;
     std::vector<const entry_t*> splits;
     if (values.size() >= 16 * pieces) {
         for (std::size_t at = 0; at < index.size(); at += index.size() / pieces) {
