@@ -27,9 +27,9 @@ inline void prefetch_lines(const void* address, int lines) {
     }
 }
 
-/// Starts loading a store's entry: its map node and the lines after it, where the key's text
-/// and the value usually are, as inserting an entry allocates them right after the node when
-/// nothing else allocates in between.
+/// Starts loading a store's entry and the lines after it, where its key's text and its value
+/// usually are: inserting an entry allocates them right after the map node when nothing else
+/// allocates in between.
 inline void prefetch_entry(const void* node) {
     prefetch_lines(node, 6);
 }
