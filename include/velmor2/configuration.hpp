@@ -12,7 +12,10 @@
 #include <list>
 #include <map>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 // libxml2's document and node types; users who write handlers include <libxml/tree.h>.
@@ -231,12 +234,17 @@ class VELMOR_API advanced_xml_config_t {
     void parse_node(xmlNode* node);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
-    void save_value_element(const std::wstring& key, const boost::any& value, xmlNode* element);
 
     /// The values under lower-cased keys.
     std::map<std::wstring, boost::any> values;
     /// The handlers, searched front to back; the first match wins.
     std::list<smart_pointer_t<handler_base_t>> handlers;
+    /// Hash index of exactly the entries of `values`, so that look-ups do not walk the tree:
+    /// open addressing, a slot holds the key's hash, the key (viewing the entry's own) and the
+    /// entry (null when free).
+    std::vector<
+        std::tuple<std::size_t, std::wstring_view, std::pair<const std::wstring, boost::any>*>>
+        index;
 };
 
 /// Opens `file` for reading (other writers excluded) and parses it without printing errors;

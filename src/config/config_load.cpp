@@ -40,6 +40,7 @@ bool advanced_xml_config_t::load(const path_t& file) {
     if (!doc) {
         return false;
     }
+    index.clear();
     values.clear();
     parse_node(xmlDocGetRootElement(doc.get()));
     return true;

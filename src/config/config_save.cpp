@@ -8,6 +8,8 @@
 
 #include "config/handler_scope.hpp"
 #include "config/handlers_internal.hpp"
+#include "config/key_index.hpp"
+#include "config/prefetch.hpp"
 #include "config/save_tree.hpp"
 #include "config/xml_check.hpp"
 #include "text/convert.hpp"
@@ -63,7 +65,20 @@ bool advanced_xml_config_t::save(const path_t& file) {
     std::string utf8;
     std::string text;
     std::vector<std::string_view> pieces;
-    for (const auto& [key, value] : values) {
+    // The entries in key order, gathered first so that the memory of an entry a few places
+    // ahead can be asked for while one is written: a store filled in another order has its
+    // entries scattered, and waiting for each in turn would dominate a large save.
+    const std::vector<const _internal::key_index::entry_t*> entries =
+        _internal::key_index::in_key_order(values, index);
+    constexpr std::size_t ahead = 8;
+    for (std::size_t at = 0; at < entries.size(); ++at) {
+        if (at + 2 * ahead < entries.size()) {
+            _internal::prefetch_entry(entries[at + 2 * ahead]);
+        }
+        if (at + ahead < entries.size()) {
+            _internal::prefetch(entries[at + ahead]->first.data());
+        }
+        const auto& [key, value] = *entries[at];
         if (!split_key(key, utf8, pieces)) {
             on_save_value_failed(key, value.type());
             continue;

@@ -2,6 +2,7 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handlers_internal.hpp"
+#include "config/key_index.hpp"
 #include "text/convert.hpp"
 
 #include <algorithm>
@@ -26,13 +27,19 @@ advanced_xml_config_t::advanced_xml_config_t() {
 }
 
 advanced_xml_config_t::advanced_xml_config_t(const advanced_xml_config_t& other)
-    : value_changed(other.value_changed), values(other.values), handlers(other.handlers) {}
+    : value_changed(other.value_changed), values(other.values), handlers(other.handlers),
+      index(_internal::key_index::build(values)) {}
 
 advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_config_t& other) {
     value_changed = other.value_changed;
     if (this != &other) {
-        values = other.values;
+        // Copied and indexed aside first: running out of memory leaves the store as it was.
+        // Swapping maps keeps their iterators valid.
+        auto copied = other.values;
+        auto copied_index = _internal::key_index::build(copied);
         handlers = other.handlers;
+        values.swap(copied);
+        index.swap(copied_index);
     }
     return *this;
 }
@@ -40,33 +47,45 @@ advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_confi
 advanced_xml_config_t::~advanced_xml_config_t() {
     // Handlers first, then values; the signal goes last as the first-declared member.
     handlers.clear();
+    index.clear();
     values.clear();
 }
 
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
     return with_key(name, [&](const std::wstring& key) {
-        const auto found = values.find(key);
-        return found != values.end() ? found->second : default_value;
+        const auto* found =
+            _internal::key_index::find(index, key, _internal::key_index::hash_of(key));
+        return found != nullptr ? found->second : default_value;
     });
 }
 
 void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any& value) {
     const std::wstring key = with_key(name, [](const std::wstring& lower) { return lower; });
     boost::any previous;
-    // Files and loops mostly bring keys in ascending order: the end is the likely place, and a
-    // wrong hint costs one comparison.
-    const std::size_t count = values.size();
-    const auto slot = values.try_emplace(values.end(), key);
-    if (values.size() == count) {
-        previous.swap(slot->second);
+    const std::size_t hash = _internal::key_index::hash_of(key);
+    if (auto* found = _internal::key_index::find(index, key, hash)) {
+        previous.swap(found->second);
+        found->second = value;
+    } else {
+        // Files and loops mostly bring new keys in ascending order: the end is the likely
+        // place, and a wrong hint costs one comparison.
+        const auto entry = values.emplace_hint(values.end(), key, value);
+        try {
+            _internal::key_index::add(index, values.size() - 1, hash, &*entry);
+        } catch (...) {
+            values.erase(entry);
+            throw;
+        }
     }
-    slot->second = value;
     value_changed(key, previous, value);
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
-    return with_key(name, [this](const std::wstring& key) { return values.count(key) != 0; });
+    return with_key(name, [this](const std::wstring& key) {
+        return _internal::key_index::find(index, key, _internal::key_index::hash_of(key)) !=
+               nullptr;
+    });
 }
 
 void advanced_xml_config_t::get_names(std::vector<std::wstring>& names) const {

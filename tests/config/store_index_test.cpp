@@ -1,0 +1,206 @@
+// The store's key look-up and its save order with many keys: copies, assignment and loads
+// must keep finding every key (in any letter case), and a save must list the keys in order
+// however the store was filled.
+#include <velmor2/configuration.hpp>
+
+#include "config_files.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using config_test::read_file;
+using config_test::temp_dir_t;
+using velmor2::advanced_xml_config_t;
+
+// Enough keys to grow the index many times over and to make save split its walk.
+constexpr int key_count = 5000;
+
+// "grp3.Item0042": few groups, and numbers padded so that text order is number order.
+std::wstring key_name(int number) {
+    std::wostringstream name;
+    name << L"Grp" << number % 7 << L".Item";
+    name.width(5);
+    name.fill(L'0');
+    name << number;
+    return name.str();
+}
+
+std::wstring lower(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return c >= L'A' && c <= L'Z' ? c + (L'a' - L'A') : c; });
+    return text;
+}
+
+std::wstring upper(std::wstring text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](wchar_t c) { return c >= L'a' && c <= L'z' ? c - (L'a' - L'A') : c; });
+    return text;
+}
+
+std::vector<int> shuffled_numbers(unsigned seed) {
+    std::vector<int> numbers(key_count);
+    for (int i = 0; i < key_count; ++i) {
+        numbers[static_cast<std::size_t>(i)] = i;
+    }
+    std::shuffle(numbers.begin(), numbers.end(), std::mt19937(seed));
+    return numbers;
+}
+
+// Fills `store` in a random order; even numbers hold ints, odd ones strings.
+void fill(advanced_xml_config_t& store, unsigned seed) {
+    for (const int number : shuffled_numbers(seed)) {
+        if (number % 2 == 0) {
+            store.set_value(key_name(number), number);
+        } else {
+            store.set_value(key_name(number), L"text " + std::to_wstring(number));
+        }
+    }
+}
+
+// Every key is found as written, lower- and upper-cased, with the value `fill` gave it.
+void expect_every_key(advanced_xml_config_t& store, const char* what) {
+    SCOPED_TRACE(what);
+    int wrong = 0;
+    for (int number = 0; number < key_count; ++number) {
+        const std::wstring name = key_name(number);
+        for (const std::wstring& spelling : {name, lower(name), upper(name)}) {
+            const boost::any value = store.get_value(spelling, boost::any());
+            const bool right = number % 2 == 0 ? value.type() == typeid(int) &&
+                                                     boost::any_cast<int>(value) == number
+                                               : value.type() == typeid(std::wstring) &&
+                                                     boost::any_cast<std::wstring>(value) ==
+                                                         L"text " + std::to_wstring(number);
+            if (!right || !store.has_value(spelling)) {
+                ++wrong;
+            }
+        }
+    }
+    EXPECT_EQ(wrong, 0);
+    std::vector<std::wstring> names;
+    store.get_names(names);
+    EXPECT_EQ(names.size(), static_cast<std::size_t>(key_count));
+    EXPECT_FALSE(store.has_value(L"grp0.item"));
+    EXPECT_FALSE(store.has_value(key_name(key_count)));
+    EXPECT_TRUE(store.get_value(L"grp0.item00000.x", boost::any()).empty());
+}
+
+TEST(config_store_index, many_keys_in_any_order_are_found_in_any_case) {
+    advanced_xml_config_t store;
+    fill(store, 1);
+    expect_every_key(store, "filled");
+    // Setting again replaces in place and reports the previous value.
+    struct watcher_t : velmor2::_internal::subscriber_base_t {
+        boost::any previous;
+        void on_change(const std::wstring&, const boost::any& old, const boost::any&) {
+            previous = old;
+        }
+    } watcher;
+    store.value_changed.connect(&watcher, &watcher_t::on_change);
+    store.set_value(upper(key_name(42)), 7);
+    EXPECT_EQ(boost::any_cast<int>(watcher.previous), 42);
+    EXPECT_EQ(boost::any_cast<int>(store.get_value(key_name(42), boost::any())), 7);
+    std::vector<std::wstring> names;
+    store.get_names(names);
+    EXPECT_EQ(names.size(), static_cast<std::size_t>(key_count));
+}
+
+TEST(config_store_index, copies_assignments_and_loads_keep_finding_keys) {
+    temp_dir_t dir;
+    auto* original = new advanced_xml_config_t;
+    fill(*original, 2);
+
+    advanced_xml_config_t copy(*original);
+    advanced_xml_config_t assigned;
+    assigned.set_value(L"only.here", 1);
+    assigned = *original;
+    advanced_xml_config_t& same = assigned;
+    assigned = same;
+    ASSERT_TRUE(original->save(dir.path("all.xml")));
+    // The copies must not lean on the original's entries.
+    delete original;
+
+    expect_every_key(copy, "copy");
+    expect_every_key(assigned, "assigned");
+    EXPECT_FALSE(assigned.has_value(L"only.here"));
+
+    // A copy goes its own way: new keys and changes stay in it.
+    copy.set_value(L"Extra.Key", 5);
+    copy.set_value(key_name(1), 0);
+    EXPECT_FALSE(assigned.has_value(L"extra.key"));
+    EXPECT_EQ(boost::any_cast<int>(copy.get_value(L"EXTRA.KEY", boost::any())), 5);
+    EXPECT_EQ(boost::any_cast<std::wstring>(assigned.get_value(key_name(1), boost::any())),
+              L"text 1");
+
+    // Loading over a store drops its keys and indexes the file's.
+    advanced_xml_config_t loaded;
+    loaded.set_value(L"stale.key", 1);
+    loaded.set_value(key_name(3), 3);
+    ASSERT_TRUE(loaded.load(dir.path("all.xml")));
+    expect_every_key(loaded, "loaded");
+    EXPECT_FALSE(loaded.has_value(L"stale.key"));
+    ASSERT_TRUE(loaded.load(dir.path("all.xml")));
+    expect_every_key(loaded, "loaded twice");
+
+    // Assigning a smaller store over a large one leaves only its keys.
+    advanced_xml_config_t small;
+    small.set_value(L"a.b", 1);
+    loaded = small;
+    std::vector<std::wstring> names;
+    loaded.get_names(names);
+    EXPECT_EQ(names, std::vector<std::wstring>{L"a.b"});
+    EXPECT_FALSE(loaded.has_value(key_name(0)));
+    loaded.set_value(key_name(0), 0);
+    EXPECT_TRUE(loaded.has_value(lower(key_name(0))));
+}
+
+TEST(config_store_index, save_lists_many_keys_in_key_order_whatever_the_filling_order) {
+    temp_dir_t dir;
+    advanced_xml_config_t in_order;
+    for (int number = 0; number < key_count; ++number) {
+        if (number % 2 == 0) {
+            in_order.set_value(key_name(number), number);
+        } else {
+            in_order.set_value(key_name(number), L"text " + std::to_wstring(number));
+        }
+    }
+    ASSERT_TRUE(in_order.save(dir.path("ordered.xml")));
+    const std::string expected = read_file(dir.file("ordered.xml"));
+
+    // The items of each group appear in ascending order, each once.
+    std::istringstream lines(expected);
+    std::vector<int> last(7, -1);
+    int seen = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t at = line.find("<item");
+        if (at == std::string::npos) {
+            continue;
+        }
+        const int number = std::stoi(line.substr(at + 5, 5));
+        EXPECT_GT(number, last[static_cast<std::size_t>(number % 7)]) << line;
+        last[static_cast<std::size_t>(number % 7)] = number;
+        ++seen;
+    }
+    EXPECT_EQ(seen, key_count);
+
+    for (const unsigned seed : {3u, 4u, 5u}) {
+        SCOPED_TRACE(seed);
+        advanced_xml_config_t shuffled;
+        fill(shuffled, seed);
+        ASSERT_TRUE(shuffled.save(dir.path("shuffled.xml")));
+        EXPECT_TRUE(read_file(dir.file("shuffled.xml")) == expected);
+        const advanced_xml_config_t copy(shuffled);
+        advanced_xml_config_t copied = copy;
+        ASSERT_TRUE(copied.save(dir.path("copied.xml")));
+        EXPECT_TRUE(read_file(dir.file("copied.xml")) == expected);
+    }
+}
+
+} // namespace
