@@ -1,4 +1,4 @@
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/hash.hpp>
 
@@ -10,7 +10,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 std::wstring md5_of(const std::string& data) {
     md5_t md5;
@@ -125,7 +125,7 @@ TEST(md5, any_split_gives_the_same_digest) {
 }
 
 TEST(md5, files_in_any_chunk_size) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::string data(70000, '\0');
     std::mt19937 rng(5);
     for (char& c : data) {
@@ -144,7 +144,7 @@ TEST(md5, files_in_any_chunk_size) {
 }
 
 TEST(md5, failed_files_leave_the_state_alone) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     md5_t md5;
     md5.update(std::string("abc"));
     EXPECT_FALSE(md5.update_from_file(dir.path("missing")));

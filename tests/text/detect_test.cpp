@@ -1,4 +1,4 @@
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 #include "text/convert.hpp"
 #include "text/detect.hpp"
 #include "text/utf8_check.hpp"
@@ -13,7 +13,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 // The detection rule applied byte sequence by byte sequence, straight from its definition.
 code_page_t reference_detect(const std::string& b) {
@@ -123,7 +123,7 @@ TEST(get_file_cp, boundary_cases) {
          cp_ansi},
         {"zero bytes", std::string("a\0b", 3), cp_utf8},
     };
-    scratch_dir_t dir;
+    temp_tree_t dir;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(get_file_cp(dir.write("f", c.bytes)), c.expected);
@@ -132,7 +132,7 @@ TEST(get_file_cp, boundary_cases) {
 }
 
 TEST(get_file_cp, unopenable_files_are_unknown) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     EXPECT_EQ(get_file_cp(dir.path("missing.txt")), cp_unknown);
     EXPECT_EQ(get_file_cp(dir.path("")), cp_unknown);
     EXPECT_EQ(get_file_cp(path_t()), cp_unknown);
@@ -160,7 +160,7 @@ TEST(utf8_check, engines_agree_with_the_sequence_scan) {
 }
 
 TEST(get_file_cp, chunked_reading_gives_the_answer_of_the_whole) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::mt19937 rng(777);
     for (int i = 0; i < 400; ++i) {
         const std::string text = random_text(rng, 1 + rng() % 200);
@@ -174,7 +174,7 @@ TEST(get_file_cp, chunked_reading_gives_the_answer_of_the_whole) {
 }
 
 TEST(get_file_cp, large_files_with_one_error_anywhere) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::string text;
     while (text.size() < 600 * 1024) {
         text += "plain text and \xC3\xA9t\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\n";
