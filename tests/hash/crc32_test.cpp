@@ -28,7 +28,7 @@ std::uint32_t bitwise_crc(const std::string& data) {
 
 TEST(crc32, check_value) {
     temp_tree_t dir;
-    EXPECT_EQ(generate_hash(dir.write("f", "123456789")), 0xCBF43926ul);
+    EXPECT_EQ(generate_hash(dir.make_file("f", "123456789")), 0xCBF43926ul);
     EXPECT_EQ(bitwise_crc("123456789"), 0xCBF43926u);
 }
 
@@ -88,7 +88,7 @@ TEST(crc32, files_in_any_chunk_size) {
     for (char& c : data) {
         c = static_cast<char>(rng());
     }
-    const path_t file = dir.write("f", data);
+    const path_t file = dir.make_file("f", data);
     const unsigned long expected = bitwise_crc(data);
     for (const std::size_t chunk :
          {std::size_t{1}, std::size_t{15}, std::size_t{64}, std::size_t{100}, std::size_t{65536},
@@ -101,8 +101,8 @@ TEST(crc32, files_in_any_chunk_size) {
 TEST(crc32, unreadable_and_empty_files_hash_to_zero) {
     temp_tree_t dir;
     EXPECT_EQ(generate_hash(dir.path("missing")), 0ul);
-    EXPECT_EQ(generate_hash(dir.write("empty", "")), 0ul);
-    EXPECT_EQ(generate_hash(dir.write("f", "123456789"), 0), 0ul);
+    EXPECT_EQ(generate_hash(dir.make_file("empty", "")), 0ul);
+    EXPECT_EQ(generate_hash(dir.make_file("f", "123456789"), 0), 0ul);
     EXPECT_EQ(generate_hash(path_t()), 0ul);
     EXPECT_EQ(generate_hash(dir.path("")), 0ul);
 }

@@ -75,10 +75,14 @@ class temp_tree_t {
         std::filesystem::create_directories(native(relative));
     }
     /// Writes the bytes `content` to the file `relative`, creating its parents and replacing
-    /// an earlier content; returns the file's library path.
-    velmor2::path_t write(const std::string& relative, const std::string& content = "x") const {
+    /// an earlier content.
+    void write(const std::string& relative, const std::string& content = "x") const {
         std::filesystem::create_directories(native(relative).parent_path());
         std::ofstream(native(relative), std::ios::binary | std::ios::trunc) << content;
+    }
+    /// Writes as `write` does and returns the file's library path.
+    velmor2::path_t make_file(const std::string& relative, const std::string& content) const {
+        write(relative, content);
         return path(relative);
     }
     /// The bytes of the file `relative`, empty when it cannot be read.

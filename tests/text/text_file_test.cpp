@@ -61,7 +61,7 @@ TEST(file_content, empty_and_missing_files) {
     temp_tree_t dir;
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
-        EXPECT_EQ(get_file_content(cp, dir.write("empty", "")), L"");
+        EXPECT_EQ(get_file_content(cp, dir.make_file("empty", "")), L"");
         EXPECT_EQ(get_file_content(cp, dir.path("missing")), L"");
     }
     ASSERT_TRUE(set_file_content(L"", cp_utf16, dir.path("u16")));
@@ -75,24 +75,24 @@ TEST(file_content, empty_and_missing_files) {
 
 TEST(file_content, text_ends_at_the_first_zero_character) {
     temp_tree_t dir;
-    EXPECT_EQ(get_file_content(cp_utf8, dir.write("a", std::string("ab\0cd", 5))), L"ab");
-    EXPECT_EQ(get_file_content(cp_ansi, dir.write("b", std::string("ab\0cd", 5))), L"ab");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
+    EXPECT_EQ(get_file_content(cp_utf8, dir.make_file("a", std::string("ab\0cd", 5))), L"ab");
+    EXPECT_EQ(get_file_content(cp_ansi, dir.make_file("b", std::string("ab\0cd", 5))), L"ab");
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
               L"\uFEFFx");
     // A zero byte inside a unit does not end UTF-16 text.
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("d", std::string("\xFF\xFE\0\x4E", 4))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("d", std::string("\xFF\xFE\0\x4E", 4))),
               L"\uFEFF\u4E00");
 }
 
 TEST(file_content, odd_length_utf16_file_ends_with_a_half_unit) {
     temp_tree_t dir;
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("f", std::string("\xFF\xFE"
-                                                                    "A\0B",
-                                                                    5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE"
+                                                                        "A\0B",
+                                                                        5))),
               L"\uFEFFAB");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("g", std::string("\xFF\xFE"
-                                                                    "A\0\0",
-                                                                    5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE"
+                                                                        "A\0\0",
+                                                                        5))),
               L"\uFEFFA");
 }
 
@@ -161,7 +161,7 @@ TEST(xml_file_content, declaration_rules) {
     temp_tree_t dir;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(get_xml_file_content(dir.write("f", c.bytes)), c.expected);
+        EXPECT_EQ(get_xml_file_content(dir.make_file("f", c.bytes)), c.expected);
     }
     EXPECT_EQ(get_xml_file_content(dir.path("missing")), L"");
 }
