@@ -20,7 +20,7 @@ struct cpuid_t {
 
 cpuid_t query(unsigned leaf) {
     cpuid_t r;
-    if (leaf > __get_cpuid_max(0, nullptr)) {
+    if (leaf > static_cast<unsigned>(__get_cpuid_max(0, nullptr))) {
         return r;
     }
     __cpuid_count(leaf, 0, r.eax, r.ebx, r.ecx, r.edx);
