@@ -106,6 +106,10 @@ for feature in C14N CATALOG DEBUG DOCB FTP HTML HTTP ICONV ICU LEGACY LZMA MEM_D
   ZLIB; do
   libxml2_options+=("-DLIBXML2_WITH_$feature=OFF")
 done
+# libxml2 marks its functions for export unless LIBXML_STATIC is defined while it is compiled
+# (its static build defines it only for its users); without it velmor_core.dll would export
+# the whole of libxml2.
+libxml2_options+=(-DCMAKE_C_FLAGS=-DLIBXML_STATIC)
 if ! is_built libxml2 "${libxml2_options[@]}"; then
   echo "setup_windows: fetching libxml2's Debian source package"
   fetch_libxml2_source

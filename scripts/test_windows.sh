@@ -27,8 +27,12 @@ if [ -z "$exports" ]; then
   exit 1
 fi
 special='((vtable|typeinfo|typeinfo name|VTT) for )?'
+# Internal classes that public headers export on purpose (bases of public templates).
+exported_internal=$(sed -n 's/^class VELMOR_API \([A-Za-z_0-9]*\).*/\1/p' include/velmor2/*.hpp |
+  paste -sd '|' -)
 stray=$( (grep -Ev "^${special}velmor2::" <<<"$exports"
-  grep -E "^${special}velmor2::_internal::" <<<"$exports") || true)
+  grep -E "^${special}velmor2::_internal::" <<<"$exports" |
+    grep -Ev "^${special}velmor2::_internal::(${exported_internal})(::|$)") || true)
 if [ -n "$stray" ]; then
   echo "test_windows: velmor_core.dll exports more than the public interface:" >&2
   echo "$stray" >&2
@@ -50,5 +54,13 @@ if [ ! -e "$WINEPREFIX/system.reg" ]; then
 fi
 status=0
 nice ctest --test-dir "$build" --output-on-failure --parallel "$(nproc)" || status=$?
+
+# The tests link the static library; the DLL itself is loaded once by the tool, which runs its
+# start-up code under Wine and finds an exported function.
+dll=$(winepath -w "$build/src/velmor_core.dll" 2>/dev/null)
+if ! "$wine" "$build/tools/velmor.exe" lib "$dll" _ZN7velmor216get_fq_host_nameB5cxx11Ev; then
+  echo "test_windows: velmor_core.dll does not load under Wine" >&2
+  status=1
+fi
 wineserver -k 2>/dev/null || true
 exit "$status"

@@ -92,7 +92,8 @@ VELMOR_API std::wstring suffixize_lib_name(const std::wstring& name);
 VELMOR_API std::wstring get_environ_value(const std::wstring& name);
 
 /// Sets the environment variable `name` of this process to `value`; an empty `value` removes
-/// it. A name the system refuses (empty, or holding `=`) changes nothing.
+/// it. A name the system refuses changes nothing (POSIX refuses an empty name and one holding
+/// `=`; the Windows runtime reads `A=B` set to `v` as `A` set to `B=v`).
 VELMOR_API void set_environ_value(const std::wstring& name, const std::wstring& value);
 
 /// The fully qualified DNS name of this computer (`host.example.com`), the bare host name

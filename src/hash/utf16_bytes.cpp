@@ -28,7 +28,8 @@ std::size_t copy_bmp_units(const wchar_t* p, std::size_t count, char16_t* out) {
         }
     }
 #endif
-    for (; i < count && static_cast<std::uint32_t>(p[i]) < 0x10000; ++i) {
+    // A shift, not a comparison, so that 16-bit wide characters raise no always-true warning.
+    for (; i < count && (static_cast<std::uint32_t>(p[i]) >> 16) == 0; ++i) {
         out[i] = static_cast<char16_t>(p[i]);
     }
     return i;

@@ -2,6 +2,7 @@
 
 #include "config_files.hpp"
 #include "os/xml_file.hpp"
+#include "support/temp_tree.hpp"
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -12,9 +13,7 @@
 
 namespace {
 
-using config_test::read_file;
-using config_test::temp_dir_t;
-using config_test::write_file;
+using velmor_test::temp_tree_t;
 namespace os = velmor2::_internal::os;
 
 using doc_ptr = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
@@ -43,26 +42,27 @@ struct probe_t : velmor2::handler_base_t {
 };
 
 TEST(xml_document, open_fails_for_missing_empty_and_malformed_files) {
-    temp_dir_t dir;
-    write_file(dir.file("empty.xml"), "");
-    write_file(dir.file("broken.xml"), "<root><a></root>");
+    temp_tree_t dir;
+    dir.write("empty.xml", "");
+    dir.write("broken.xml", "<root><a></root>");
     EXPECT_EQ(velmor2::open_xml_document(dir.path("missing.xml")), nullptr);
     EXPECT_EQ(velmor2::open_xml_document(dir.path("empty.xml")), nullptr);
     EXPECT_EQ(velmor2::open_xml_document(dir.path("broken.xml")), nullptr);
-    EXPECT_EQ(velmor2::open_xml_document(velmor2::make_path(dir.file(""))), nullptr);
+    EXPECT_EQ(velmor2::open_xml_document(dir.path("")), nullptr);
 }
 
-TEST(xml_document, save_writes_formatted_utf8_with_lf_and_opens_again) {
-    temp_dir_t dir;
+TEST(xml_document, save_writes_formatted_utf8_with_native_line_ends_and_opens_again) {
+    temp_tree_t dir;
     doc_ptr doc = parse("<root><a x=\"1\"><b>t\xC3\xA4</b></a></root>");
     ASSERT_TRUE(doc);
     ASSERT_TRUE(velmor2::save_xml_document(dir.path("out.xml"), doc.get()));
-    EXPECT_EQ(read_file(dir.file("out.xml")), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                              "<root>\n"
-                                              "  <a x=\"1\">\n"
-                                              "    <b>t\xC3\xA4</b>\n"
-                                              "  </a>\n"
-                                              "</root>\n");
+    EXPECT_EQ(dir.read("out.xml"),
+              config_test::saved_bytes("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                       "<root>\n"
+                                       "  <a x=\"1\">\n"
+                                       "    <b>t\xC3\xA4</b>\n"
+                                       "  </a>\n"
+                                       "</root>\n"));
     doc_ptr again(velmor2::open_xml_document(dir.path("out.xml")), &xmlFreeDoc);
     EXPECT_TRUE(again);
     EXPECT_FALSE(velmor2::save_xml_document(dir.path("out.xml"), nullptr));
@@ -70,9 +70,9 @@ TEST(xml_document, save_writes_formatted_utf8_with_lf_and_opens_again) {
 }
 
 TEST(xml_document, reader_keeps_writers_out_and_save_leaves_content_untouched) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     const std::string original = "<root><keep/></root>";
-    write_file(dir.file("f.xml"), original);
+    dir.write("f.xml", original);
     doc_ptr doc = parse("<root><new/></root>");
     const int reader = os::open_xml_for_reading(dir.path("f.xml").as_string());
     ASSERT_GE(reader, 0);
@@ -80,14 +80,14 @@ TEST(xml_document, reader_keeps_writers_out_and_save_leaves_content_untouched) {
     doc_ptr shared(velmor2::open_xml_document(dir.path("f.xml")), &xmlFreeDoc);
     EXPECT_TRUE(shared);
     EXPECT_FALSE(velmor2::save_xml_document(dir.path("f.xml"), doc.get()));
-    EXPECT_EQ(read_file(dir.file("f.xml")), original);
+    EXPECT_EQ(dir.read("f.xml"), original);
     os::close_xml_file(reader);
     EXPECT_TRUE(velmor2::save_xml_document(dir.path("f.xml"), doc.get()));
 }
 
 TEST(xml_document, writer_keeps_everybody_out) {
-    temp_dir_t dir;
-    write_file(dir.file("f.xml"), "<root/>");
+    temp_tree_t dir;
+    dir.write("f.xml", "<root/>");
     doc_ptr doc = parse("<root/>");
     const int writer = os::open_xml_for_writing(dir.path("f.xml").as_string());
     ASSERT_GE(writer, 0);

@@ -1,9 +1,11 @@
 #include <velmor2/configuration.hpp>
 
 #include "config_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <list>
 #include <locale>
 #include <map>
@@ -13,10 +15,8 @@
 
 namespace {
 
-using config_test::read_file;
-using config_test::temp_dir_t;
-using config_test::write_file;
 using velmor2::advanced_xml_config_t;
+using velmor_test::temp_tree_t;
 
 using string_vector = std::vector<std::wstring>;
 using string_list = std::list<std::wstring>;
@@ -60,12 +60,13 @@ std::vector<std::wstring> names_of(const advanced_xml_config_t& store) {
 }
 
 TEST(config_store, every_value_type_survives_save_and_load) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     store_t store;
     store.set_value(L"t.bool", true);
     store.set_value(L"t.int", -2147483647 - 1);
-    store.set_value(L"t.long", -9000000000L);
-    store.set_value(L"t.ulong", 18446744073709551615UL);
+    // long is 32 bits on Windows, 64 on Linux.
+    store.set_value(L"t.long", std::numeric_limits<long>::min());
+    store.set_value(L"t.ulong", std::numeric_limits<unsigned long>::max());
     store.set_value(L"t.ushort", static_cast<unsigned short>(65535));
     store.set_value(L"t.uint", 4294967295U);
     store.set_value(L"t.float", 0.25f);
@@ -86,8 +87,8 @@ TEST(config_store, every_value_type_survives_save_and_load) {
     EXPECT_TRUE(store.save_failures.empty());
     EXPECT_EQ(get<bool>(loaded, L"t.bool"), true);
     EXPECT_EQ(get<int>(loaded, L"t.int"), -2147483647 - 1);
-    EXPECT_EQ(get<long>(loaded, L"t.long"), -9000000000L);
-    EXPECT_EQ(get<unsigned long>(loaded, L"t.ulong"), 18446744073709551615UL);
+    EXPECT_EQ(get<long>(loaded, L"t.long"), std::numeric_limits<long>::min());
+    EXPECT_EQ(get<unsigned long>(loaded, L"t.ulong"), std::numeric_limits<unsigned long>::max());
     EXPECT_EQ(get<unsigned short>(loaded, L"t.ushort"), 65535);
     EXPECT_EQ(get<unsigned int>(loaded, L"t.uint"), 4294967295U);
     EXPECT_EQ(get<float>(loaded, L"t.float"), 0.25f);
@@ -105,7 +106,7 @@ TEST(config_store, every_value_type_survives_save_and_load) {
 }
 
 TEST(config_store, file_format_byte_for_byte) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     advanced_xml_config_t store;
     store.set_value(L"General.Width", 10);
     store.set_value(L"recent", string_vector{L"a", L"b"});
@@ -113,21 +114,22 @@ TEST(config_store, file_format_byte_for_byte) {
     store.set_value(L"map", string_map{{L"k", L"v"}});
     store.set_value(L"big", 1e6);
     ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_EQ(read_file(dir.file("f.xml")), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                            "<root>\n"
-                                            "  <big type=\"double\">1e+06</big>\n"
-                                            "  <general>\n"
-                                            "    <ratio type=\"double\">0.333333</ratio>\n"
-                                            "    <width type=\"int\">10</width>\n"
-                                            "  </general>\n"
-                                            "  <map type=\"string_string_map\">\n"
-                                            "    <item key=\"k\" value=\"v\"/>\n"
-                                            "  </map>\n"
-                                            "  <recent type=\"string_vector\">\n"
-                                            "    <item>a</item>\n"
-                                            "    <item>b</item>\n"
-                                            "  </recent>\n"
-                                            "</root>\n");
+    EXPECT_EQ(dir.read("f.xml"),
+              config_test::saved_bytes("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                       "<root>\n"
+                                       "  <big type=\"double\">1e+06</big>\n"
+                                       "  <general>\n"
+                                       "    <ratio type=\"double\">0.333333</ratio>\n"
+                                       "    <width type=\"int\">10</width>\n"
+                                       "  </general>\n"
+                                       "  <map type=\"string_string_map\">\n"
+                                       "    <item key=\"k\" value=\"v\"/>\n"
+                                       "  </map>\n"
+                                       "  <recent type=\"string_vector\">\n"
+                                       "    <item>a</item>\n"
+                                       "    <item>b</item>\n"
+                                       "  </recent>\n"
+                                       "</root>\n"));
 }
 
 TEST(config_store, keys_are_case_insensitive_and_listed_lower_case) {
@@ -167,10 +169,10 @@ TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
         {"<x type=\"long\">\xD9\xA1</x>", true},
         {"<x type=\"string\"></x>", false},
     };
-    temp_dir_t dir;
+    temp_tree_t dir;
     for (const case_t& c : cases) {
         SCOPED_TRACE(c.element);
-        write_file(dir.file("f.xml"), std::string("<root>") + c.element + "</root>");
+        dir.write("f.xml", std::string("<root>") + c.element + "</root>");
         store_t store;
         ASSERT_TRUE(store.load(dir.path("f.xml")));
         EXPECT_TRUE(store.has_value(L"x"));
@@ -179,19 +181,18 @@ TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
 }
 
 TEST(config_store, hand_written_containers_unknown_types_duplicates_and_roots) {
-    temp_dir_t dir;
-    write_file(dir.file("f.xml"),
-               "<?xml version=\"1.0\"?>\n<Settings>\n"
-               "  <!-- a comment -->\n"
-               "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
-               "<other>9</other></ints>\n"
-               "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
-               "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
-               "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
-               "  <g><n type=\"int\">2</n></g>\n"
-               "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
-               "  <plain>text</plain>\n"
-               "</Settings>\n");
+    temp_tree_t dir;
+    dir.write("f.xml", "<?xml version=\"1.0\"?>\n<Settings>\n"
+                       "  <!-- a comment -->\n"
+                       "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
+                       "<other>9</other></ints>\n"
+                       "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
+                       "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
+                       "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
+                       "  <g><n type=\"int\">2</n></g>\n"
+                       "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
+                       "  <plain>text</plain>\n"
+                       "</Settings>\n");
     store_t store;
     watcher_t watcher;
     store.value_changed.connect(&watcher, &watcher_t::on_change);
@@ -217,14 +218,14 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_and_roots) {
 }
 
 TEST(config_store, failed_load_keeps_the_values) {
-    temp_dir_t dir;
-    write_file(dir.file("bad.xml"), "<root><x type=\"int\">1</x>");
+    temp_tree_t dir;
+    dir.write("bad.xml", "<root><x type=\"int\">1</x>");
     advanced_xml_config_t store;
     store.set_value(L"kept", 1);
     EXPECT_FALSE(store.load(dir.path("bad.xml")));
     EXPECT_FALSE(store.load(dir.path("missing.xml")));
     EXPECT_TRUE(store.has_value(L"kept"));
-    write_file(dir.file("good.xml"), "<root/>");
+    dir.write("good.xml", "<root/>");
     EXPECT_TRUE(store.load(dir.path("good.xml")));
     EXPECT_FALSE(store.has_value(L"kept"));
 }
@@ -245,7 +246,7 @@ TEST(config_store, set_value_notifies_every_call_with_key_previous_and_value) {
 }
 
 TEST(config_store, prefix_keys_empty_pieces_and_shared_elements) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     store_t store;
     store.set_value(L"a", 1);
     store.set_value(L"a.b", 2);
@@ -264,7 +265,7 @@ TEST(config_store, prefix_keys_empty_pieces_and_shared_elements) {
 }
 
 TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     store_t store;
     const wchar_t* const bad_keys[] = {L"2nd", L"a b",   L"a/b",  L"a*",   L"a[1]",
                                        L" ",   L"g.x:y", L"g.-x", L"g.@x", L"g.()"};
@@ -300,7 +301,7 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
 }
 
 TEST(config_store, floating_point_keeps_six_significant_digits) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     advanced_xml_config_t store;
     store.set_value(L"d", 0.123456789);
     store.set_value(L"f", 1234567.0f);
@@ -330,19 +331,19 @@ TEST(config_store, numbers_use_the_classic_form_whatever_the_global_locale) {
     } restore;
     std::locale::global(std::locale(std::locale(std::locale::classic(), new comma_numpunct_t),
                                     new comma_numpunct_narrow_t));
-    temp_dir_t dir;
+    temp_tree_t dir;
     advanced_xml_config_t store;
     store.set_value(L"half", 0.5);
     store.set_value(L"big", 1234567);
     ASSERT_TRUE(store.save(dir.path("f.xml")));
-    const std::string text = read_file(dir.file("f.xml"));
+    const std::string text = dir.read("f.xml");
     EXPECT_NE(text.find(">0.5<"), std::string::npos);
     EXPECT_NE(text.find(">1234567<"), std::string::npos);
     advanced_xml_config_t loaded;
     ASSERT_TRUE(loaded.load(dir.path("f.xml")));
     EXPECT_EQ(get<double>(loaded, L"half"), 0.5);
     EXPECT_EQ(get<int>(loaded, L"big"), 1234567);
-    write_file(dir.file("g.xml"), "<root><n type=\"int\">1.234</n></root>");
+    dir.write("g.xml", "<root><n type=\"int\">1.234</n></root>");
     ASSERT_TRUE(loaded.load(dir.path("g.xml")));
     EXPECT_TRUE(loaded.get_value(L"n", 0).empty());
 }
@@ -369,14 +370,15 @@ struct point_handler_t : velmor2::handler_base_t {
 };
 
 TEST(config_store, added_handler_extends_types_and_is_shared_by_copies_made_before) {
-    temp_dir_t dir;
+    temp_tree_t dir;
     store_t store;
     store_t before(store);
     store.add_handler(velmor2::smart_pointer_t<velmor2::handler_base_t>(new point_handler_t));
     store_t after(store);
     store.set_value(L"p", point_t{3, 4});
     ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_NE(read_file(dir.file("f.xml")).find("<p type=\"point\">\n    <x>3</x>\n    <y>4</y>"),
+    EXPECT_NE(dir.read("f.xml").find(
+                  config_test::saved_bytes("<p type=\"point\">\n    <x>3</x>\n    <y>4</y>")),
               std::string::npos);
     ASSERT_TRUE(after.load(dir.path("f.xml")));
     EXPECT_EQ(get<point_t>(after, L"p").y, 4);
@@ -407,7 +409,7 @@ TEST(config_store, copies_clone_values_and_connections) {
 TEST(config_store, save_into_a_value_element_follows_document_order) {
     // Keys that reach into a value element find its first matching child, as an XPath query
     // of the key's pieces from the root would.
-    temp_dir_t dir;
+    temp_tree_t dir;
     store_t store;
     store.set_value(L"v", string_vector{L"one", L"two"});
     store.set_value(L"v.item", 1);
@@ -415,15 +417,16 @@ TEST(config_store, save_into_a_value_element_follows_document_order) {
     store.set_value(L"v.item.deep.er", 3);
     store.set_value(L"v.other", 4);
     ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_EQ(read_file(dir.file("f.xml")),
-              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-              "<root>\n"
-              "  <v type=\"string_vector\">\n"
-              "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
-              "    <item>two</item>\n"
-              "    <other type=\"int\">4</other>\n"
-              "  </v>\n"
-              "</root>\n");
+    EXPECT_EQ(dir.read("f.xml"),
+              config_test::saved_bytes(
+                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                  "<root>\n"
+                  "  <v type=\"string_vector\">\n"
+                  "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
+                  "    <item>two</item>\n"
+                  "    <other type=\"int\">4</other>\n"
+                  "  </v>\n"
+                  "</root>\n"));
 }
 
 } // namespace

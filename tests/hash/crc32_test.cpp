@@ -1,5 +1,5 @@
 #include "hash/crc32.hpp"
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/hash.hpp>
 
@@ -12,7 +12,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 // CRC-32 one bit at a time, from the definition.
 std::uint32_t bitwise_crc(const std::string& data) {
@@ -27,8 +27,8 @@ std::uint32_t bitwise_crc(const std::string& data) {
 }
 
 TEST(crc32, check_value) {
-    scratch_dir_t dir;
-    EXPECT_EQ(generate_hash(dir.write("f", "123456789")), 0xCBF43926ul);
+    temp_tree_t dir;
+    EXPECT_EQ(generate_hash(dir.make_file("f", "123456789")), 0xCBF43926ul);
     EXPECT_EQ(bitwise_crc("123456789"), 0xCBF43926u);
 }
 
@@ -82,13 +82,13 @@ TEST(crc32, wide_strings_hash_their_utf16le_bytes) {
 }
 
 TEST(crc32, files_in_any_chunk_size) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::string data(100000, '\0');
     std::mt19937 rng(8);
     for (char& c : data) {
         c = static_cast<char>(rng());
     }
-    const path_t file = dir.write("f", data);
+    const path_t file = dir.make_file("f", data);
     const unsigned long expected = bitwise_crc(data);
     for (const std::size_t chunk :
          {std::size_t{1}, std::size_t{15}, std::size_t{64}, std::size_t{100}, std::size_t{65536},
@@ -99,10 +99,10 @@ TEST(crc32, files_in_any_chunk_size) {
 }
 
 TEST(crc32, unreadable_and_empty_files_hash_to_zero) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     EXPECT_EQ(generate_hash(dir.path("missing")), 0ul);
-    EXPECT_EQ(generate_hash(dir.write("empty", "")), 0ul);
-    EXPECT_EQ(generate_hash(dir.write("f", "123456789"), 0), 0ul);
+    EXPECT_EQ(generate_hash(dir.make_file("empty", "")), 0ul);
+    EXPECT_EQ(generate_hash(dir.make_file("f", "123456789"), 0), 0ul);
     EXPECT_EQ(generate_hash(path_t()), 0ul);
     EXPECT_EQ(generate_hash(dir.path("")), 0ul);
 }

@@ -1,4 +1,4 @@
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/hash.hpp>
 
@@ -10,7 +10,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 std::wstring md5_of(const std::string& data) {
     md5_t md5;
@@ -125,13 +125,13 @@ TEST(md5, any_split_gives_the_same_digest) {
 }
 
 TEST(md5, files_in_any_chunk_size) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::string data(70000, '\0');
     std::mt19937 rng(5);
     for (char& c : data) {
         c = static_cast<char>(rng());
     }
-    const path_t file = dir.write("f", data);
+    const path_t file = dir.make_file("f", data);
     for (const std::size_t chunk :
          {std::size_t{1}, std::size_t{63}, std::size_t{64}, std::size_t{65}, std::size_t{4096},
           std::size_t{70000}, std::size_t{1} << 20, ~std::size_t{0}}) {
@@ -144,14 +144,14 @@ TEST(md5, files_in_any_chunk_size) {
 }
 
 TEST(md5, failed_files_leave_the_state_alone) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     md5_t md5;
     md5.update(std::string("abc"));
     EXPECT_FALSE(md5.update_from_file(dir.path("missing")));
-    EXPECT_FALSE(md5.update_from_file(dir.write("f", "data"), 0));
+    EXPECT_FALSE(md5.update_from_file(dir.make_file("f", "data"), 0));
     EXPECT_FALSE(md5.update_from_file(path_t()));
     EXPECT_EQ(md5.get_digest_base16(), L"900150983cd24fb0d6963f7d28e17f72");
-    EXPECT_TRUE(md5.update_from_file(dir.write("empty", "")));
+    EXPECT_TRUE(md5.update_from_file(dir.make_file("empty", "")));
     EXPECT_EQ(md5.get_digest_base16(), L"900150983cd24fb0d6963f7d28e17f72");
 }
 

@@ -1,51 +1,32 @@
 // The operating-system layer against a real file system: the Win32 implementation under Wine,
 // the POSIX one on Linux.
 #include "os/file_status.hpp"
+#include "support/temp_tree.hpp"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace velmor2::_internal::os;
+using velmor_test::temp_tree_t;
 
-// A fresh directory per test, removed with everything in it.
-class temp_dir_t {
-  public:
-    temp_dir_t() {
-        std::random_device random;
-        path_ = fs::temp_directory_path() / ("velmor_os_" + std::to_string(random()));
-        fs::create_directories(path_);
-    }
-    ~temp_dir_t() {
-        std::error_code ignored;
-        fs::permissions(path_ / "read_only.txt", fs::perms::owner_write, fs::perm_options::add,
-                        ignored);
-        fs::remove_all(path_, ignored);
-    }
-    temp_dir_t(const temp_dir_t&) = delete;
-    temp_dir_t& operator=(const temp_dir_t&) = delete;
+// The native text of the entry `relative` of the tree (the root for an empty text).
+std::wstring text(const temp_tree_t& tree, const std::string& relative = {}) {
+    return tree.native(relative).wstring();
+}
 
-    // The native text of an entry in the directory.
-    std::wstring text(const std::string& name = {}) const {
-        return (name.empty() ? path_ : path_ / name).wstring();
-    }
-    void make_file(const std::string& name) const { std::ofstream(path_ / name) << "x"; }
-    void make_read_only_file() const {
-        make_file("read_only.txt");
-        fs::permissions(path_ / "read_only.txt",
-                        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                        fs::perm_options::remove);
-    }
-
-  private:
-    fs::path path_;
-};
+// Makes the file `read_only.txt` that nobody may write; the tree restores the permission when
+// it goes.
+void make_read_only_file(const temp_tree_t& tree) {
+    tree.write("read_only.txt");
+    fs::permissions(tree.native("read_only.txt"),
+                    fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                    fs::perm_options::remove);
+}
 
 struct attributes_case_t {
     const char* name;
@@ -57,10 +38,10 @@ struct attributes_case_t {
 };
 
 TEST(os_attributes, of_files_directories_and_missing_entries) {
-    temp_dir_t dir;
-    dir.make_file("file.txt");
-    dir.make_read_only_file();
-    fs::create_directory(dir.text("sub"));
+    temp_tree_t tree;
+    tree.write("file.txt");
+    make_read_only_file(tree);
+    tree.make_dir("sub");
     const attributes_case_t cases[] = {
         {"directory", "sub", true, true, false, error_kind_t::none},
         {"file", "file.txt", true, false, false, error_kind_t::none},
@@ -73,9 +54,7 @@ TEST(os_attributes, of_files_directories_and_missing_entries) {
         attributes_t attributes;
         attributes.directory = !c.directory;
         error_kind_t error = error_kind_t::other;
-        const std::wstring text =
-            (fs::path(dir.text()) / fs::path(c.entry)).make_preferred().wstring();
-        ASSERT_EQ(get_attributes(text, attributes, error), c.found);
+        ASSERT_EQ(get_attributes(text(tree, c.entry), attributes, error), c.found);
         EXPECT_EQ(error, c.error);
         if (c.found) {
             EXPECT_EQ(attributes.directory, c.directory);
@@ -96,18 +75,18 @@ TEST(os_attributes, hostile_names_fail_without_crashing) {
 }
 
 TEST(os_write_access, follows_the_read_only_attribute) {
-    temp_dir_t dir;
-    dir.make_file("file.txt");
-    dir.make_read_only_file();
-    EXPECT_EQ(check_write_access(dir.text("read_only.txt")), write_access_t::read_only);
+    temp_tree_t tree;
+    tree.write("file.txt");
+    make_read_only_file(tree);
+    EXPECT_EQ(check_write_access(text(tree, "read_only.txt")), write_access_t::read_only);
 
-    EXPECT_EQ(check_write_access(dir.text("file.txt")), write_access_t::writable);
-    EXPECT_EQ(check_write_access(dir.text()), write_access_t::writable);
+    EXPECT_EQ(check_write_access(text(tree, "file.txt")), write_access_t::writable);
+    EXPECT_EQ(check_write_access(text(tree)), write_access_t::writable);
 }
 
 TEST(os_write_access, of_a_missing_entry_is_unknown) {
-    temp_dir_t dir;
-    EXPECT_EQ(check_write_access(dir.text("missing.txt")), write_access_t::unknown);
+    temp_tree_t tree;
+    EXPECT_EQ(check_write_access(text(tree, "missing.txt")), write_access_t::unknown);
 }
 
 TEST(os_drives, exist_only_on_windows) {

@@ -1,4 +1,5 @@
 #include <velmor2/runtime.hpp>
+#include <velmor2/standard_directories.hpp>
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,14 @@ using namespace velmor2;
 
 using function_t = int (*)();
 
-const path_t plugin_dir = make_path(std::string(VELMOR_TEST_PLUGIN_DIR));
+// The folder "plugin" beside the test program.
+path_t find_plugin_dir() {
+    path_t dir = stdpaths::get_executable_dir();
+    dir.append(path_t(L"plugin"));
+    return dir;
+}
+
+const path_t plugin_dir = find_plugin_dir();
 const std::wstring plugin_file = make_path(std::string(VELMOR_TEST_PLUGIN_FILE)).as_string();
 const std::wstring plugin_base = plugin_file.substr(0, plugin_file.rfind(L'.'));
 

@@ -1,3 +1,4 @@
+#include "debug_output_capture.hpp"
 #include "runtime/time_log_line.hpp"
 
 #include <velmor2/runtime.hpp>
@@ -31,18 +32,17 @@ TEST(time_logger, line_format) {
 }
 
 TEST(time_logger, prints_one_line_when_destroyed) {
-    testing::internal::CaptureStderr();
+    velmor_test::debug_output_capture_t capture;
     {
         debugging::time_logger_t logger("scope \xC3\xA9");
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-        testing::internal::CaptureStderr();
+        EXPECT_EQ(capture.take(), "");
     }
-    const std::string out = testing::internal::GetCapturedStderr();
+    const std::string out = capture.take();
     EXPECT_TRUE(std::regex_match(out, std::regex("scope \xC3\xA9 [0-9.e+-]+\n"))) << out;
 }
 
 TEST(time_logger, copies_print_their_own_lines) {
-    testing::internal::CaptureStderr();
+    velmor_test::debug_output_capture_t capture;
     {
         debugging::time_logger_t a(std::wstring(L"a"));
         debugging::time_logger_t b(a);
@@ -51,14 +51,14 @@ TEST(time_logger, copies_print_their_own_lines) {
         const debugging::time_logger_t& alias = c;
         c = alias;
     }
-    const std::string out = testing::internal::GetCapturedStderr();
+    const std::string out = capture.take();
     EXPECT_TRUE(std::regex_match(out, std::regex("(a [0-9.e+-]+\n){3}"))) << out;
 }
 
 TEST(time_logger, empty_name_starts_with_the_space) {
-    testing::internal::CaptureStderr();
+    velmor_test::debug_output_capture_t capture;
     { debugging::time_logger_t logger(std::wstring{}); }
-    const std::string out = testing::internal::GetCapturedStderr();
+    const std::string out = capture.take();
     EXPECT_TRUE(std::regex_match(out, std::regex(" [0-9.e+-]+\n"))) << out;
 }
 
@@ -68,11 +68,10 @@ struct printing_logger_t : debugging::time_logger_t {
 };
 
 TEST(time_logger, debug_print_ends_the_line) {
+    velmor_test::debug_output_capture_t capture;
     printing_logger_t logger;
-    testing::internal::CaptureStderr();
     logger.debug_print(L"text \u20AC");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "text \xE2\x82\xAC\n");
-    testing::internal::CaptureStderr();
+    EXPECT_EQ(capture.take(), "text \xE2\x82\xAC\n");
 }
 
 } // namespace

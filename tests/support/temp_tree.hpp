@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -73,12 +74,18 @@ class temp_tree_t {
     void make_dir(const std::string& relative) const {
         std::filesystem::create_directories(native(relative));
     }
-    /// Writes `content` to the file `relative`, creating its parents.
+    /// Writes the bytes `content` to the file `relative`, creating its parents and replacing
+    /// an earlier content.
     void write(const std::string& relative, const std::string& content = "x") const {
         std::filesystem::create_directories(native(relative).parent_path());
-        std::ofstream(native(relative), std::ios::binary) << content;
+        std::ofstream(native(relative), std::ios::binary | std::ios::trunc) << content;
     }
-    /// The content of the file `relative`.
+    /// Writes as `write` does and returns the file's library path.
+    velmor2::path_t make_file(const std::string& relative, const std::string& content) const {
+        write(relative, content);
+        return path(relative);
+    }
+    /// The bytes of the file `relative`, empty when it cannot be read.
     std::string read(const std::string& relative) const {
         std::ifstream in(native(relative), std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(in), {});

@@ -1,4 +1,4 @@
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 #include "text/convert.hpp"
 #include "text/detect.hpp"
 #include "text/utf8_check.hpp"
@@ -13,7 +13,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 // The detection rule applied byte sequence by byte sequence, straight from its definition.
 code_page_t reference_detect(const std::string& b) {
@@ -123,16 +123,16 @@ TEST(get_file_cp, boundary_cases) {
          cp_ansi},
         {"zero bytes", std::string("a\0b", 3), cp_utf8},
     };
-    scratch_dir_t dir;
+    temp_tree_t dir;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(get_file_cp(dir.write("f", c.bytes)), c.expected);
+        EXPECT_EQ(get_file_cp(dir.make_file("f", c.bytes)), c.expected);
         EXPECT_EQ(reference_detect(c.bytes), c.expected);
     }
 }
 
 TEST(get_file_cp, unopenable_files_are_unknown) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     EXPECT_EQ(get_file_cp(dir.path("missing.txt")), cp_unknown);
     EXPECT_EQ(get_file_cp(dir.path("")), cp_unknown);
     EXPECT_EQ(get_file_cp(path_t()), cp_unknown);
@@ -160,11 +160,11 @@ TEST(utf8_check, engines_agree_with_the_sequence_scan) {
 }
 
 TEST(get_file_cp, chunked_reading_gives_the_answer_of_the_whole) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::mt19937 rng(777);
     for (int i = 0; i < 400; ++i) {
         const std::string text = random_text(rng, 1 + rng() % 200);
-        const path_t file = dir.write("f", text);
+        const path_t file = dir.make_file("f", text);
         const code_page_t expected = reference_detect(text);
         for (const std::size_t chunk : {1, 2, 3, 4, 5, 7, 64, 65, 4096}) {
             SCOPED_TRACE(testing::PrintToString(text) + " chunk " + std::to_string(chunk));
@@ -174,13 +174,13 @@ TEST(get_file_cp, chunked_reading_gives_the_answer_of_the_whole) {
 }
 
 TEST(get_file_cp, large_files_with_one_error_anywhere) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     std::string text;
     while (text.size() < 600 * 1024) {
         text += "plain text and \xC3\xA9t\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\n";
     }
     text.resize(600 * 1024 - 3);
-    EXPECT_EQ(get_file_cp(dir.write("f", text)), reference_detect(text));
+    EXPECT_EQ(get_file_cp(dir.make_file("f", text)), reference_detect(text));
     for (const std::size_t at :
          {std::size_t{0}, std::size_t{256 * 1024 - 1}, std::size_t{256 * 1024},
           std::size_t{512 * 1024 + 1}, text.size() - 2, text.size() - 1}) {
@@ -188,7 +188,7 @@ TEST(get_file_cp, large_files_with_one_error_anywhere) {
         std::string damaged = text;
         damaged[at] = '\xC3';
         damaged[at + 1 < damaged.size() ? at + 1 : at] = at + 1 < damaged.size() ? 'x' : '\xC3';
-        EXPECT_EQ(get_file_cp(dir.write("f", damaged)), reference_detect(damaged));
+        EXPECT_EQ(get_file_cp(dir.make_file("f", damaged)), reference_detect(damaged));
     }
 }
 

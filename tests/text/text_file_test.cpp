@@ -1,4 +1,4 @@
-#include "support/scratch_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/text_file.hpp>
 
@@ -9,7 +9,7 @@
 namespace {
 
 using namespace velmor2;
-using velmor_test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 // ASCII, Latin-1, a BMP symbol and a character above U+FFFF.
 const std::wstring sample = L"line 1\r\nGr\u00FC\u00DFe \u20AC \U0001F600 end";
@@ -17,7 +17,7 @@ const std::string sample_utf8 = "line 1\r\nGr\xC3\xBC\xC3\x9F"
                                 "e \xE2\x82\xAC \xF0\x9F\x98\x80 end";
 
 TEST(file_content, utf8_round_trip) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     ASSERT_TRUE(set_file_content(sample, cp_utf8, dir.path("f")));
     EXPECT_EQ(dir.read("f"), sample_utf8);
     EXPECT_EQ(get_file_cp(dir.path("f")), cp_utf8);
@@ -25,7 +25,7 @@ TEST(file_content, utf8_round_trip) {
 }
 
 TEST(file_content, utf16_round_trip_keeps_the_mark_and_pairs) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     ASSERT_TRUE(set_file_content(L"A\U0001F600", cp_utf16, dir.path("f")));
     EXPECT_EQ(dir.read("f"), std::string("\xFF\xFE"
                                          "A\0\x3D\xD8\x00\xDE",
@@ -38,7 +38,7 @@ TEST(file_content, utf16_round_trip_keeps_the_mark_and_pairs) {
 }
 
 TEST(file_content, ansi_round_trip_and_fallbacks) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     const std::wstring text = L"Gr\u00FC\u00DFe \u20AC";
     for (const code_page_t cp : {cp_ansi, cp_unknown, static_cast<code_page_t>(42)}) {
         SCOPED_TRACE(cp);
@@ -49,14 +49,19 @@ TEST(file_content, ansi_round_trip_and_fallbacks) {
         EXPECT_EQ(get_file_content(cp, dir.path("f")), text);
     }
     ASSERT_TRUE(set_file_content(L"\U0001F600", cp_ansi, dir.path("f")));
+#if defined(_WIN32)
+    // The system replaces each unit of the surrogate pair.
+    EXPECT_EQ(dir.read("f"), "??");
+#else
     EXPECT_EQ(dir.read("f"), "?");
+#endif
 }
 
 TEST(file_content, empty_and_missing_files) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
-        EXPECT_EQ(get_file_content(cp, dir.write("empty", "")), L"");
+        EXPECT_EQ(get_file_content(cp, dir.make_file("empty", "")), L"");
         EXPECT_EQ(get_file_content(cp, dir.path("missing")), L"");
     }
     ASSERT_TRUE(set_file_content(L"", cp_utf16, dir.path("u16")));
@@ -69,30 +74,30 @@ TEST(file_content, empty_and_missing_files) {
 }
 
 TEST(file_content, text_ends_at_the_first_zero_character) {
-    scratch_dir_t dir;
-    EXPECT_EQ(get_file_content(cp_utf8, dir.write("a", std::string("ab\0cd", 5))), L"ab");
-    EXPECT_EQ(get_file_content(cp_ansi, dir.write("b", std::string("ab\0cd", 5))), L"ab");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
+    temp_tree_t dir;
+    EXPECT_EQ(get_file_content(cp_utf8, dir.make_file("a", std::string("ab\0cd", 5))), L"ab");
+    EXPECT_EQ(get_file_content(cp_ansi, dir.make_file("b", std::string("ab\0cd", 5))), L"ab");
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
               L"\uFEFFx");
     // A zero byte inside a unit does not end UTF-16 text.
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("d", std::string("\xFF\xFE\0\x4E", 4))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("d", std::string("\xFF\xFE\0\x4E", 4))),
               L"\uFEFF\u4E00");
 }
 
 TEST(file_content, odd_length_utf16_file_ends_with_a_half_unit) {
-    scratch_dir_t dir;
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("f", std::string("\xFF\xFE"
-                                                                    "A\0B",
-                                                                    5))),
+    temp_tree_t dir;
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE"
+                                                                        "A\0B",
+                                                                        5))),
               L"\uFEFFAB");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.write("g", std::string("\xFF\xFE"
-                                                                    "A\0\0",
-                                                                    5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE"
+                                                                        "A\0\0",
+                                                                        5))),
               L"\uFEFFA");
 }
 
 TEST(file_content, writing_fails_cleanly) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, dir.path("no/such/dir/f")));
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, path_t()));
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, dir.path("")));
@@ -103,7 +108,7 @@ TEST(file_content, writing_fails_cleanly) {
 }
 
 TEST(xml_file_content, round_trip_keeps_the_line_feed) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     const std::wstring text = L"<a b='\u00E9\U0001F600'/>";
     ASSERT_TRUE(set_xml_file_content(text, cp_utf8, dir.path("u8")));
     EXPECT_EQ(dir.read("u8"),
@@ -115,7 +120,7 @@ TEST(xml_file_content, round_trip_keeps_the_line_feed) {
 }
 
 TEST(xml_file_content, writing_refuses_declarations_and_other_code_pages) {
-    scratch_dir_t dir;
+    temp_tree_t dir;
     dir.write("f", "old");
     EXPECT_FALSE(set_xml_file_content(L"<?pi x?><a/>", cp_utf8, dir.path("f")));
     EXPECT_FALSE(set_xml_file_content(L"<a/>", cp_ansi, dir.path("f")));
@@ -153,10 +158,10 @@ TEST(xml_file_content, declaration_rules) {
          L""},
         {"empty file", "", L""},
     };
-    scratch_dir_t dir;
+    temp_tree_t dir;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(get_xml_file_content(dir.write("f", c.bytes)), c.expected);
+        EXPECT_EQ(get_xml_file_content(dir.make_file("f", c.bytes)), c.expected);
     }
     EXPECT_EQ(get_xml_file_content(dir.path("missing")), L"");
 }

@@ -3,16 +3,42 @@
 #include "os/environment.hpp"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <new>
 #include <vector>
 #include <windows.h>
 
 namespace velmor2::_internal::os {
 
-std::wstring get_environment_variable(const std::wstring& name) {
+namespace {
+
+// A copy of the runtime's value of `name` that the caller frees, or null when it is not set.
+wchar_t* duplicate_value(const std::wstring& name) {
+#if defined(_MSC_VER) || defined(_UCRT)
     wchar_t* buffer = nullptr;
     std::size_t length = 0;
     _wdupenv_s(&buffer, &length, name.c_str());
+    return buffer;
+#else
+    // MinGW's default runtime, msvcrt.dll, has no _wdupenv_s; the copy is made at once from
+    // the same table.
+    const wchar_t* value = _wgetenv(name.c_str());
+    if (value == nullptr) {
+        return nullptr;
+    }
+    wchar_t* copy = _wcsdup(value);
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    return copy;
+#endif
+}
+
+} // namespace
+
+std::wstring get_environment_variable(const std::wstring& name) {
+    wchar_t* buffer = duplicate_value(name);
     const std::unique_ptr<wchar_t, decltype(&std::free)> owned(buffer, &std::free);
     return buffer != nullptr ? std::wstring(buffer) : std::wstring();
 }
