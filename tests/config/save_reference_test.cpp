@@ -9,7 +9,7 @@
 #include "config/handlers_internal.hpp"
 #include "config/xml_check.hpp"
 #include "config/xpath.hpp"
-#include "config_files.hpp"
+#include "support/temp_tree.hpp"
 #include "text/convert.hpp"
 
 #include <gtest/gtest.h>
@@ -28,8 +28,6 @@
 
 namespace {
 
-using config_test::read_file;
-using config_test::temp_dir_t;
 using failures_t = std::vector<std::pair<std::wstring, std::type_index>>;
 using string_map = std::map<std::wstring, std::wstring>;
 using string_vector = std::vector<std::wstring>;
@@ -164,13 +162,13 @@ class reference_t {
 };
 
 void expect_same_save(store_t& store) {
-    temp_dir_t dir;
+    velmor_test::temp_tree_t dir;
     ASSERT_TRUE(store.save(dir.path("fast.xml")));
     const failures_t fast_failures = store.save_failures;
     store.save_failures.clear();
     reference_t reference;
     ASSERT_TRUE(reference.save(store, dir.path("plain.xml")));
-    EXPECT_EQ(read_file(dir.file("fast.xml")), read_file(dir.file("plain.xml")));
+    EXPECT_EQ(dir.read("fast.xml"), dir.read("plain.xml"));
     EXPECT_EQ(fast_failures, store.save_failures);
     store.save_failures.clear();
 }

@@ -3,7 +3,7 @@
 // however the store was filled.
 #include <velmor2/configuration.hpp>
 
-#include "config_files.hpp"
+#include "support/temp_tree.hpp"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,6 @@
 
 namespace {
 
-using config_test::read_file;
-using config_test::temp_dir_t;
 using velmor2::advanced_xml_config_t;
 
 // Enough keys to grow the index many times over and to make save split its walk.
@@ -113,7 +111,7 @@ TEST(config_store_index, many_keys_in_any_order_are_found_in_any_case) {
 }
 
 TEST(config_store_index, copies_assignments_and_loads_keep_finding_keys) {
-    temp_dir_t dir;
+    velmor_test::temp_tree_t dir;
     auto* original = new advanced_xml_config_t;
     fill(*original, 2);
 
@@ -162,7 +160,7 @@ TEST(config_store_index, copies_assignments_and_loads_keep_finding_keys) {
 }
 
 TEST(config_store_index, save_lists_many_keys_in_key_order_whatever_the_filling_order) {
-    temp_dir_t dir;
+    velmor_test::temp_tree_t dir;
     advanced_xml_config_t in_order;
     for (int number = 0; number < key_count; ++number) {
         if (number % 2 == 0) {
@@ -172,7 +170,7 @@ TEST(config_store_index, save_lists_many_keys_in_key_order_whatever_the_filling_
         }
     }
     ASSERT_TRUE(in_order.save(dir.path("ordered.xml")));
-    const std::string expected = read_file(dir.file("ordered.xml"));
+    const std::string expected = dir.read("ordered.xml");
 
     // The items of each group appear in ascending order, each once.
     std::istringstream lines(expected);
@@ -195,11 +193,11 @@ TEST(config_store_index, save_lists_many_keys_in_key_order_whatever_the_filling_
         advanced_xml_config_t shuffled;
         fill(shuffled, seed);
         ASSERT_TRUE(shuffled.save(dir.path("shuffled.xml")));
-        EXPECT_TRUE(read_file(dir.file("shuffled.xml")) == expected);
+        EXPECT_TRUE(dir.read("shuffled.xml") == expected);
         const advanced_xml_config_t copy(shuffled);
         advanced_xml_config_t copied = copy;
         ASSERT_TRUE(copied.save(dir.path("copied.xml")));
-        EXPECT_TRUE(read_file(dir.file("copied.xml")) == expected);
+        EXPECT_TRUE(dir.read("copied.xml") == expected);
     }
 }
 

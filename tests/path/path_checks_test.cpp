@@ -1,6 +1,6 @@
 // Validation positions, wildcard matching and what the file system says about a path.
 #include "path/print_path.hpp"
-#include "path/scratch_dir.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/path.hpp>
 
@@ -15,7 +15,7 @@
 namespace {
 
 using velmor2::path_t;
-using velmor2::test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 TEST(path_validate, gives_the_first_character_not_accepted) {
     struct case_t {
@@ -99,7 +99,7 @@ TEST(path_match, survives_a_pattern_built_to_backtrack) {
 
 class path_status : public testing::Test {
   protected:
-    scratch_dir_t dir_;
+    temp_tree_t dir_;
 };
 
 // The meanings the POSIX calls give: `stat` errors, modes, effective access.
@@ -121,8 +121,8 @@ class path_status_posix : public path_status {
 };
 
 TEST_F(path_status, exists_and_is_directory) {
-    const std::wstring file = dir_.make_file("f.txt");
-    const std::wstring sub = dir_.make_dir("sub");
+    const std::wstring file = dir_.make_file("f.txt").as_native_string();
+    const std::wstring sub = dir_.make_dir("sub").as_native_string();
     struct case_t {
         std::wstring text;
         bool exists;
@@ -131,7 +131,7 @@ TEST_F(path_status, exists_and_is_directory) {
     const case_t cases[] = {
         {file, true, false},
         {sub, true, true},
-        {dir_.text("missing"), false, false},
+        {dir_.native("missing").wstring(), false, false},
         // A file used as a directory is "not there".
         {file + L"/child", false, false},
         // A NUL ends the text for the system; such a text names nothing.
@@ -157,21 +157,21 @@ TEST_F(path_status_posix, long_paths_reach_the_system_without_their_prefix) {
     for (int i = 0; i < 3; ++i) {
         relative += (i == 0 ? "" : "/") + std::string(100, static_cast<char>('a' + i));
     }
-    const path_t deep(dir_.make_dir(relative));
+    const path_t deep = dir_.make_dir(relative);
     ASSERT_EQ(deep.as_string().compare(0, 4, L"\\\\?\\"), 0);
     EXPECT_TRUE(deep.is_exists());
     EXPECT_TRUE(deep.is_directory());
 }
 
 TEST_F(path_status_posix, a_name_too_long_is_not_there) {
-    EXPECT_FALSE(path_t::exists(dir_.text(std::string(300, 'n'))));
+    EXPECT_FALSE(path_t::exists(dir_.native(std::string(300, 'n')).wstring()));
 }
 
 TEST_F(path_status_posix, exists_counts_an_unreadable_entry_as_there) {
     if (running_as_root()) {
         GTEST_SKIP() << "root is not refused";
     }
-    const std::wstring sub = dir_.make_dir("locked");
+    const std::wstring sub = dir_.make_dir("locked").as_native_string();
     dir_.make_file("locked/f");
     std::filesystem::permissions(sub, std::filesystem::perms::none);
     EXPECT_TRUE(path_t::exists(sub + L"/f"));
@@ -186,8 +186,8 @@ TEST_F(path_status_posix, readonly_of_missing_writable_and_read_only_entries) {
         return std::make_pair(read_only, unknown);
     };
     using result_t = std::pair<bool, bool>;
-    EXPECT_EQ(check(dir_.text("missing")), result_t(false, true));
-    const std::wstring file = dir_.make_file("f");
+    EXPECT_EQ(check(dir_.native("missing").wstring()), result_t(false, true));
+    const std::wstring file = dir_.make_file("f").as_native_string();
     EXPECT_EQ(check(file), result_t(false, false));
     EXPECT_FALSE(path_t(file).is_readonly());
 
@@ -196,7 +196,7 @@ TEST_F(path_status_posix, readonly_of_missing_writable_and_read_only_entries) {
                                            std::filesystem::perms::group_read);
     EXPECT_EQ(check(file), result_t(true, false));
     EXPECT_TRUE(path_t(file).is_readonly());
-    const std::wstring sub = dir_.make_dir("sub");
+    const std::wstring sub = dir_.make_dir("sub").as_native_string();
     std::filesystem::permissions(sub, std::filesystem::perms::owner_read |
                                           std::filesystem::perms::owner_exec);
     EXPECT_EQ(check(sub), result_t(true, false));
@@ -209,7 +209,7 @@ TEST_F(path_status_posix, readonly_when_the_caller_may_not_write) {
         GTEST_SKIP() << "root may write whatever the mode says";
     }
     // Others may write, the owner may not: the caller's effective access decides.
-    const std::wstring file = dir_.make_file("f");
+    const std::wstring file = dir_.make_file("f").as_native_string();
     std::filesystem::permissions(file, std::filesystem::perms::owner_read |
                                            std::filesystem::perms::others_write);
     bool read_only = false;
@@ -224,10 +224,10 @@ TEST_F(path_status_posix, readonly_when_the_caller_may_not_write) {
 TEST_F(path_status, readonly_of_missing_writable_and_read_only_files_on_windows) {
     bool read_only = true;
     bool unknown = false;
-    path_t::readonly(dir_.text("missing"), read_only, unknown);
+    path_t::readonly(dir_.native("missing").wstring(), read_only, unknown);
     EXPECT_FALSE(read_only);
     EXPECT_TRUE(unknown);
-    const std::wstring file = dir_.make_file("f");
+    const std::wstring file = dir_.make_file("f").as_native_string();
     path_t::readonly(file, read_only, unknown);
     EXPECT_FALSE(read_only);
     EXPECT_FALSE(unknown);

@@ -1,6 +1,6 @@
 // Composition, normalisation, relative paths, comparison and the texts taken from a path.
 #include "path/print_path.hpp"
-#include "path/scratch_dir.hpp"
+#include "support/temp_tree.hpp"
 
 #include <velmor2/path.hpp>
 
@@ -15,7 +15,7 @@
 namespace {
 
 using velmor2::path_t;
-using velmor2::test::scratch_dir_t;
+using velmor_test::temp_tree_t;
 
 TEST(path_compose, append_adds_relative_paths_only) {
     struct case_t {
@@ -228,7 +228,7 @@ TEST(path_compose, to_lower_leaves_drive_and_server) {
 }
 
 TEST(path_compose, extensions_of_files_but_not_of_directories) {
-    const scratch_dir_t dir;
+    const temp_tree_t dir;
     struct case_t {
         const wchar_t* leaf;
         const wchar_t* ext;
@@ -242,7 +242,7 @@ TEST(path_compose, extensions_of_files_but_not_of_directories) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "[" << c.leaf << "]");
-        path_t path(dir.text() + L"/" + c.leaf);
+        path_t path(dir.native().wstring() + L"/" + c.leaf);
         EXPECT_EQ(path.get_ext(), c.ext);
         EXPECT_TRUE(path.change_ext(L"txt"));
         EXPECT_EQ(path.get_leaf(), c.changed);
@@ -252,7 +252,7 @@ TEST(path_compose, extensions_of_files_but_not_of_directories) {
     EXPECT_EQ(file.as_string(), L"C:\\d\\a..h");
 
     // An existing directory has no extension and keeps its name.
-    path_t directory(dir.make_dir("dir.d"));
+    path_t directory = dir.make_dir("dir.d");
     EXPECT_EQ(directory.get_ext(), L"");
     EXPECT_FALSE(directory.change_ext(L"x"));
     EXPECT_EQ(directory.get_leaf(), L"dir.d");

@@ -70,9 +70,10 @@ class temp_tree_t {
     velmor2::path_t path(const std::string& relative = std::string()) const {
         return velmor2::path_t(native(relative).wstring());
     }
-    /// Creates the directory `relative` with its parents.
-    void make_dir(const std::string& relative) const {
+    /// Creates the directory `relative` with its parents and returns its library path.
+    velmor2::path_t make_dir(const std::string& relative) const {
         std::filesystem::create_directories(native(relative));
+        return path(relative);
     }
     /// Writes the bytes `content` to the file `relative`, creating its parents and replacing
     /// an earlier content.
@@ -81,7 +82,7 @@ class temp_tree_t {
         std::ofstream(native(relative), std::ios::binary | std::ios::trunc) << content;
     }
     /// Writes as `write` does and returns the file's library path.
-    velmor2::path_t make_file(const std::string& relative, const std::string& content) const {
+    velmor2::path_t make_file(const std::string& relative, const std::string& content = "x") const {
         write(relative, content);
         return path(relative);
     }
