@@ -45,10 +45,9 @@ TEST(xml_document, open_fails_for_missing_empty_and_malformed_files) {
     temp_tree_t dir;
     dir.write("empty.xml", "");
     dir.write("broken.xml", "<root><a></root>");
-    EXPECT_EQ(velmor2::open_xml_document(dir.path("missing.xml")), nullptr);
-    EXPECT_EQ(velmor2::open_xml_document(dir.path("empty.xml")), nullptr);
-    EXPECT_EQ(velmor2::open_xml_document(dir.path("broken.xml")), nullptr);
-    EXPECT_EQ(velmor2::open_xml_document(dir.path("")), nullptr);
+    for (const char* name : {"missing.xml", "empty.xml", "broken.xml", ""}) {
+        EXPECT_EQ(velmor2::open_xml_document(dir.path(name)), nullptr) << name;
+    }
 }
 
 TEST(xml_document, save_writes_formatted_utf8_with_native_line_ends_and_opens_again) {

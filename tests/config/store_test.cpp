@@ -59,50 +59,56 @@ std::vector<std::wstring> names_of(const advanced_xml_config_t& store) {
     return names;
 }
 
+// Saves `store` and loads the file into a fresh store.
+store_t reload(store_t& store, temp_tree_t& dir) {
+    EXPECT_TRUE(store.save(dir.path("f.xml")));
+    store_t loaded;
+    EXPECT_TRUE(loaded.load(dir.path("f.xml")));
+    return loaded;
+}
+
+// True when both hold the same value of one of the types T.
+template <typename... T> bool same_value(const boost::any& a, const boost::any& b) {
+    return ((a.type() == typeid(T) && b.type() == typeid(T) &&
+             boost::any_cast<T>(a) == boost::any_cast<T>(b)) ||
+            ...);
+}
+
 TEST(config_store, every_value_type_survives_save_and_load) {
+    const std::pair<const wchar_t*, boost::any> values[] = {
+        {L"t.bool", true},
+        {L"t.int", -2147483647 - 1},
+        // long is 32 bits on Windows, 64 on Linux.
+        {L"t.long", std::numeric_limits<long>::min()},
+        {L"t.ulong", std::numeric_limits<unsigned long>::max()},
+        {L"t.ushort", static_cast<unsigned short>(65535)},
+        {L"t.uint", 4294967295U},
+        {L"t.float", 0.25f},
+        {L"t.double", -1.5e-7},
+        {L"t.string", std::wstring(L"  <a & b> \"q\" \u00e4\u20ac\U0001F600\n  ")},
+        {L"t.vector", string_vector{L"a", L"", L"c d"}},
+        {L"t.list", string_list{L"x", L"y"}},
+        {L"t.ints", std::vector<int>{3, -1, 0}},
+        {L"t.map", string_map{{L"k", L"v\"<"}, {L"", L"empty key"}}},
+        {L"t.path", velmor2::make_path(L"C:\\Program Files\\x.txt")},
+        {L"t.empty_vector", string_vector{}},
+    };
     temp_tree_t dir;
     store_t store;
-    store.set_value(L"t.bool", true);
-    store.set_value(L"t.int", -2147483647 - 1);
-    // long is 32 bits on Windows, 64 on Linux.
-    store.set_value(L"t.long", std::numeric_limits<long>::min());
-    store.set_value(L"t.ulong", std::numeric_limits<unsigned long>::max());
-    store.set_value(L"t.ushort", static_cast<unsigned short>(65535));
-    store.set_value(L"t.uint", 4294967295U);
-    store.set_value(L"t.float", 0.25f);
-    store.set_value(L"t.double", -1.5e-7);
-    store.set_value(L"t.string", std::wstring(L"  <a & b> \"q\" \u00e4\u20ac\U0001F600\n  "));
-    store.set_value(L"t.vector", string_vector{L"a", L"", L"c d"});
-    store.set_value(L"t.list", string_list{L"x", L"y"});
-    store.set_value(L"t.ints", std::vector<int>{3, -1, 0});
-    store.set_value(L"t.map", string_map{{L"k", L"v\"<"}, {L"", L"empty key"}});
-    store.set_value(L"t.path", velmor2::make_path(L"C:\\Program Files\\x.txt"));
-    store.set_value(L"t.empty_vector", string_vector{});
-    ASSERT_TRUE(store.save(dir.path("all.xml")));
-
-    store_t loaded;
-    ASSERT_TRUE(loaded.load(dir.path("all.xml")));
+    for (const auto& [key, value] : values) {
+        store.set_value(key, value);
+    }
+    store_t loaded = reload(store, dir);
     EXPECT_EQ(names_of(loaded), names_of(store));
     EXPECT_TRUE(loaded.load_failures.empty());
     EXPECT_TRUE(store.save_failures.empty());
-    EXPECT_EQ(get<bool>(loaded, L"t.bool"), true);
-    EXPECT_EQ(get<int>(loaded, L"t.int"), -2147483647 - 1);
-    EXPECT_EQ(get<long>(loaded, L"t.long"), std::numeric_limits<long>::min());
-    EXPECT_EQ(get<unsigned long>(loaded, L"t.ulong"), std::numeric_limits<unsigned long>::max());
-    EXPECT_EQ(get<unsigned short>(loaded, L"t.ushort"), 65535);
-    EXPECT_EQ(get<unsigned int>(loaded, L"t.uint"), 4294967295U);
-    EXPECT_EQ(get<float>(loaded, L"t.float"), 0.25f);
-    EXPECT_DOUBLE_EQ(get<double>(loaded, L"t.double"), -1.5e-7);
-    EXPECT_EQ(get<std::wstring>(loaded, L"t.string"),
-              L"  <a & b> \"q\" \u00e4\u20ac\U0001F600\n  ");
-    EXPECT_EQ(get<string_vector>(loaded, L"t.vector"), (string_vector{L"a", L"", L"c d"}));
-    EXPECT_EQ(get<string_list>(loaded, L"t.list"), (string_list{L"x", L"y"}));
-    EXPECT_EQ(get<std::vector<int>>(loaded, L"t.ints"), (std::vector<int>{3, -1, 0}));
-    EXPECT_EQ(get<string_map>(loaded, L"t.map"),
-              (string_map{{L"k", L"v\"<"}, {L"", L"empty key"}}));
-    EXPECT_EQ(get<velmor2::path_t>(loaded, L"t.path"),
-              velmor2::make_path(L"C:\\Program Files\\x.txt"));
-    EXPECT_TRUE(get<string_vector>(loaded, L"t.empty_vector").empty());
+    for (const auto& [key, value] : values) {
+        SCOPED_TRACE(key);
+        EXPECT_TRUE(
+            (same_value<bool, int, long, unsigned long, unsigned short, unsigned int, float, double,
+                        std::wstring, string_vector, string_list, std::vector<int>, string_map,
+                        velmor2::path_t>(loaded.get_value(key, boost::any()), value)));
+    }
 }
 
 TEST(config_store, file_format_byte_for_byte) {
@@ -132,14 +138,36 @@ TEST(config_store, file_format_byte_for_byte) {
                                        "</root>\n"));
 }
 
-TEST(config_store, keys_are_case_insensitive_and_listed_lower_case) {
+TEST(config_store, keys_ignore_case_and_every_set_notifies_copies_too) {
     advanced_xml_config_t store;
-    store.set_value(L"General.Width", 10);
-    EXPECT_EQ(boost::any_cast<int>(store.get_value(L"GENERAL.width", 0)), 10);
-    EXPECT_TRUE(store.has_value(L"general.WIDTH"));
-    EXPECT_FALSE(store.has_value(L"general"));
+    watcher_t watcher;
+    store.value_changed.connect(&watcher, &watcher_t::on_change);
+    store.set_value(L"A.B", 1);
+    store.set_value(L"a.b", 1);
+    store.set_value(L"a.B", std::wstring(L"x"));
+    EXPECT_EQ(get<std::wstring>(store, L"A.b"), L"x");
+    EXPECT_FALSE(store.has_value(L"a"));
     EXPECT_EQ(boost::any_cast<int>(store.get_value(L"missing", 42)), 42);
-    EXPECT_EQ(names_of(store), (std::vector<std::wstring>{L"general.width"}));
+    EXPECT_EQ(names_of(store), (std::vector<std::wstring>{L"a.b"}));
+    ASSERT_EQ(watcher.changes.size(), 3u);
+    EXPECT_EQ(watcher.changes[0].key, L"a.b");
+    EXPECT_TRUE(watcher.changes[0].previous.empty());
+    EXPECT_EQ(boost::any_cast<int>(watcher.changes[1].previous), 1);
+    EXPECT_EQ(boost::any_cast<int>(watcher.changes[2].previous), 1);
+    EXPECT_EQ(boost::any_cast<std::wstring>(watcher.changes[2].value), L"x");
+
+    // Copies hold their own values and keep the connections.
+    advanced_xml_config_t copy(store);
+    copy.set_value(L"a.b", 2);
+    EXPECT_EQ(get<std::wstring>(store, L"a.b"), L"x");
+    EXPECT_EQ(watcher.changes.size(), 4u);
+    advanced_xml_config_t assigned;
+    assigned = copy;
+    const advanced_xml_config_t& same = assigned;
+    assigned = same;
+    assigned.set_value(L"a.b", 3);
+    EXPECT_EQ(get<int>(copy, L"a.b"), 2);
+    EXPECT_EQ(watcher.changes.size(), 5u);
 }
 
 TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
@@ -230,40 +258,6 @@ TEST(config_store, failed_load_keeps_the_values) {
     EXPECT_FALSE(store.has_value(L"kept"));
 }
 
-TEST(config_store, set_value_notifies_every_call_with_key_previous_and_value) {
-    advanced_xml_config_t store;
-    watcher_t watcher;
-    store.value_changed.connect(&watcher, &watcher_t::on_change);
-    store.set_value(L"A.B", 1);
-    store.set_value(L"a.b", 1);
-    store.set_value(L"a.b", std::wstring(L"x"));
-    ASSERT_EQ(watcher.changes.size(), 3u);
-    EXPECT_EQ(watcher.changes[0].key, L"a.b");
-    EXPECT_TRUE(watcher.changes[0].previous.empty());
-    EXPECT_EQ(boost::any_cast<int>(watcher.changes[1].previous), 1);
-    EXPECT_EQ(boost::any_cast<int>(watcher.changes[2].previous), 1);
-    EXPECT_EQ(boost::any_cast<std::wstring>(watcher.changes[2].value), L"x");
-}
-
-TEST(config_store, prefix_keys_empty_pieces_and_shared_elements) {
-    temp_tree_t dir;
-    store_t store;
-    store.set_value(L"a", 1);
-    store.set_value(L"a.b", 2);
-    store.set_value(L"", 3);
-    store.set_value(L"...", 4);
-    store.set_value(L"x..y", 5);
-    store.set_value(L"x.y", 6);
-    store.set_value(L".p.", 7);
-    ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_TRUE(store.save_failures.empty());
-    store_t loaded;
-    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
-    EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"a", L"p", L"x.y"}));
-    EXPECT_EQ(get<int>(loaded, L"x.y"), 5);
-    EXPECT_EQ(get<int>(loaded, L"p"), 7);
-}
-
 TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
     temp_tree_t dir;
     store_t store;
@@ -282,7 +276,7 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
     store.set_value(L"g.good", 1);
     store.set_value(L"amp", string_vector{L"a&amp;b"});
     store.set_value(L"amp_string", std::wstring(L"a&amp;b"));
-    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    store_t loaded = reload(store, dir);
 
     std::vector<std::wstring> reported;
     for (const auto& failure : store.save_failures) {
@@ -292,57 +286,42 @@ TEST(config_store, unsaveable_keys_and_values_are_reported_and_skipped) {
                                                    L"control", L"entity", L"g.()", L"g.-x", L"g.@x",
                                                    std::wstring(L"g.a\0b", 5), L"g.x:y", L"nothing",
                                                    L"unknown"}));
-    store_t loaded;
-    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
     EXPECT_EQ(names_of(loaded), (std::vector<std::wstring>{L"amp", L"amp_string", L"g.good"}));
     // Container entries go through libxml2's reference parsing; plain strings are escaped.
     EXPECT_EQ(get<string_vector>(loaded, L"amp"), (string_vector{L"a&b"}));
     EXPECT_EQ(get<std::wstring>(loaded, L"amp_string"), L"a&amp;b");
 }
 
-TEST(config_store, floating_point_keeps_six_significant_digits) {
-    temp_tree_t dir;
-    advanced_xml_config_t store;
-    store.set_value(L"d", 0.123456789);
-    store.set_value(L"f", 1234567.0f);
-    ASSERT_TRUE(store.save(dir.path("f.xml")));
-    advanced_xml_config_t loaded;
-    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
-    EXPECT_EQ(get<double>(loaded, L"d"), 0.123457);
-    EXPECT_EQ(get<float>(loaded, L"f"), 1.23457e6f);
-}
-
 // A locale that writes 1.234,5 as a German one does.
-struct comma_numpunct_t : std::numpunct<wchar_t> {
-    wchar_t do_decimal_point() const override { return L','; }
-    wchar_t do_thousands_sep() const override { return L'.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-struct comma_numpunct_narrow_t : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
+template <typename C> struct comma_numpunct_t : std::numpunct<C> {
+    C do_decimal_point() const override { return ','; }
+    C do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
 };
 
-TEST(config_store, numbers_use_the_classic_form_whatever_the_global_locale) {
+TEST(config_store, numbers_keep_six_digits_in_the_classic_form_whatever_the_global_locale) {
     struct restore_t {
         std::locale saved = std::locale();
         ~restore_t() { std::locale::global(saved); }
     } restore;
-    std::locale::global(std::locale(std::locale(std::locale::classic(), new comma_numpunct_t),
-                                    new comma_numpunct_narrow_t));
+    std::locale::global(
+        std::locale(std::locale(std::locale::classic(), new comma_numpunct_t<wchar_t>),
+                    new comma_numpunct_t<char>));
     temp_tree_t dir;
-    advanced_xml_config_t store;
+    store_t store;
     store.set_value(L"half", 0.5);
     store.set_value(L"big", 1234567);
-    ASSERT_TRUE(store.save(dir.path("f.xml")));
+    store.set_value(L"d", 0.123456789);
+    store.set_value(L"f", 1234567.0f);
+    store_t loaded = reload(store, dir);
     const std::string text = dir.read("f.xml");
-    EXPECT_NE(text.find(">0.5<"), std::string::npos);
-    EXPECT_NE(text.find(">1234567<"), std::string::npos);
-    advanced_xml_config_t loaded;
-    ASSERT_TRUE(loaded.load(dir.path("f.xml")));
+    for (const char* number : {">0.5<", ">1234567<", ">0.123457<", ">1.23457e+06<"}) {
+        EXPECT_NE(text.find(number), std::string::npos) << number;
+    }
     EXPECT_EQ(get<double>(loaded, L"half"), 0.5);
     EXPECT_EQ(get<int>(loaded, L"big"), 1234567);
+    EXPECT_EQ(get<double>(loaded, L"d"), 0.123457);
+    EXPECT_EQ(get<float>(loaded, L"f"), 1.23457e6f);
     dir.write("g.xml", "<root><n type=\"int\">1.234</n></root>");
     ASSERT_TRUE(loaded.load(dir.path("g.xml")));
     EXPECT_TRUE(loaded.get_value(L"n", 0).empty());
@@ -386,47 +365,6 @@ TEST(config_store, added_handler_extends_types_and_is_shared_by_copies_made_befo
     EXPECT_FALSE(before.has_value(L"p"));
     ASSERT_EQ(before.load_failures.size(), 1u);
     EXPECT_EQ(before.load_failures[0].second, L"point");
-}
-
-TEST(config_store, copies_clone_values_and_connections) {
-    advanced_xml_config_t store;
-    watcher_t watcher;
-    store.value_changed.connect(&watcher, &watcher_t::on_change);
-    store.set_value(L"k", 1);
-    advanced_xml_config_t copy(store);
-    copy.set_value(L"k", 2);
-    EXPECT_EQ(get<int>(store, L"k"), 1);
-    EXPECT_EQ(watcher.changes.size(), 2u);
-    advanced_xml_config_t assigned;
-    assigned = copy;
-    const advanced_xml_config_t& same = assigned;
-    assigned = same;
-    assigned.set_value(L"k", 3);
-    EXPECT_EQ(get<int>(copy, L"k"), 2);
-    EXPECT_EQ(watcher.changes.size(), 3u);
-}
-
-TEST(config_store, save_into_a_value_element_follows_document_order) {
-    // Keys that reach into a value element find its first matching child, as an XPath query
-    // of the key's pieces from the root would.
-    temp_tree_t dir;
-    store_t store;
-    store.set_value(L"v", string_vector{L"one", L"two"});
-    store.set_value(L"v.item", 1);
-    store.set_value(L"v.item.deep", 2);
-    store.set_value(L"v.item.deep.er", 3);
-    store.set_value(L"v.other", 4);
-    ASSERT_TRUE(store.save(dir.path("f.xml")));
-    EXPECT_EQ(dir.read("f.xml"),
-              config_test::saved_bytes(
-                  "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                  "<root>\n"
-                  "  <v type=\"string_vector\">\n"
-                  "    <item>one<deep type=\"int\">2<er type=\"int\">3</er></deep></item>\n"
-                  "    <item>two</item>\n"
-                  "    <other type=\"int\">4</other>\n"
-                  "  </v>\n"
-                  "</root>\n"));
 }
 
 } // namespace
