@@ -90,7 +90,7 @@ struct detect_case_t {
     code_page_t expected;
 };
 
-TEST(get_file_cp, boundary_cases) {
+TEST(get_file_cp, boundary_cases_and_unopenable_files) {
     const detect_case_t cases[] = {
         {"empty", "", cp_ansi},
         {"one byte E9", "\xE9", cp_utf8},
@@ -129,10 +129,6 @@ TEST(get_file_cp, boundary_cases) {
         EXPECT_EQ(get_file_cp(dir.make_file("f", c.bytes)), c.expected);
         EXPECT_EQ(reference_detect(c.bytes), c.expected);
     }
-}
-
-TEST(get_file_cp, unopenable_files_are_unknown) {
-    temp_tree_t dir;
     EXPECT_EQ(get_file_cp(dir.path("missing.txt")), cp_unknown);
     EXPECT_EQ(get_file_cp(dir.path("")), cp_unknown);
     EXPECT_EQ(get_file_cp(path_t()), cp_unknown);
