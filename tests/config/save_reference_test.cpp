@@ -17,6 +17,7 @@
 #include <boost/tokenizer.hpp>
 #include <libxml/tree.h>
 
+#include <algorithm>
 #include <list>
 #include <map>
 #include <memory>
@@ -98,24 +99,19 @@ class reference_t {
             if (pieces.empty() || element == nullptr) {
                 continue;
             }
-            velmor2::handler_base_t* handler = nullptr;
-            std::wstring type_name;
-            for (const auto& candidate : handlers) {
-                if (candidate->get_type_info() == value.type()) {
-                    handler = candidate.get();
-                    type_name = candidate->get_type_name();
-                    break;
-                }
-            }
-            if (handler == nullptr) {
+            const auto handler =
+                std::find_if(handlers.begin(), handlers.end(), [&](const auto& candidate) {
+                    return candidate->get_type_info() == value.type();
+                });
+            if (handler == handlers.end()) {
                 store.report(key, value.type());
                 continue;
             }
             xmlSetProp(element, BAD_CAST "type",
-                       BAD_CAST velmor2::_internal::to_utf8(type_name).c_str());
+                       BAD_CAST velmor2::_internal::to_utf8((*handler)->get_type_name()).c_str());
             {
-                velmor2::_internal::handler_scope_t scope(*handler, &store);
-                handler->save_value(value, element);
+                velmor2::_internal::handler_scope_t scope(**handler, &store);
+                (*handler)->save_value(value, element);
             }
             if (!velmor2::_internal::is_loadable(element)) {
                 velmor2::_internal::clear_element(element);

