@@ -64,15 +64,6 @@ TEST_F(find_files_test, search_is_depth_first_in_directory_order) {
     }
 }
 
-TEST_F(find_files_test, results_are_the_directory_joined_with_relative_names) {
-    for (const path_t& found : velmor2::find_files(tree.path("root"), L"*", true)) {
-        SCOPED_TRACE(found.as_native_string());
-        EXPECT_TRUE(found.is_exists());
-        EXPECT_FALSE(found.is_directory());
-        EXPECT_EQ(found.as_string().rfind(tree.path("root").as_string() + L"\\", 0), 0u);
-    }
-}
-
 TEST_F(find_files_test, pattern_forms) {
     struct case_t {
         const wchar_t* pattern;

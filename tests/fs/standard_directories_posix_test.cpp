@@ -36,18 +36,16 @@ TEST(user_config_dir, home_dot_config_otherwise) {
     }
 }
 
-TEST(shared_config_dir, first_absolute_entry_of_xdg_config_dirs) {
+TEST(shared_config_dir, first_absolute_entry_of_xdg_config_dirs_else_etc_xdg) {
     temp_tree_t tree;
-    const std::string list =
-        "relative:" + tree.native("first").string() + ":" + tree.native("second").string();
-    const scoped_env_t dirs("XDG_CONFIG_DIRS", list);
-    EXPECT_EQ(native(stdpaths::get_shared_config_dir(L"Norvane")),
-              tree.native("first/Norvane").wstring());
-    EXPECT_FALSE(tree.has("second"));
-}
-
-TEST(shared_config_dir, default_is_etc_xdg) {
-    const scoped_env_t dirs("XDG_CONFIG_DIRS", std::nullopt);
+    {
+        const scoped_env_t dirs("XDG_CONFIG_DIRS", "relative:" + tree.native("first").string() +
+                                                       ":" + tree.native("second").string());
+        EXPECT_EQ(native(stdpaths::get_shared_config_dir(L"Norvane")),
+                  tree.native("first/Norvane").wstring());
+        EXPECT_FALSE(tree.has("second"));
+    }
+    const scoped_env_t unset("XDG_CONFIG_DIRS", std::nullopt);
     if (!fs::is_directory("/etc/xdg")) {
         GTEST_SKIP() << "no /etc/xdg here";
     }

@@ -32,6 +32,18 @@ class path_differential : public testing::TestWithParam<bool> {
         }
     }
 
+    // Every text of up to four characters over the alphabet that starts with `text`.
+    void every_text_from(differential_t& differential, std::wstring& text) {
+        check(differential, text);
+        if (text.size() < 4) {
+            for (const wchar_t c : short_alphabet) {
+                text.push_back(c);
+                every_text_from(differential, text);
+                text.pop_back();
+            }
+        }
+    }
+
     void TearDown() override { EXPECT_EQ(failures_, 0); }
 
     c_locale_guard_t locale_;
@@ -41,25 +53,7 @@ class path_differential : public testing::TestWithParam<bool> {
 TEST_P(path_differential, every_short_text) {
     differential_t differential(GetParam());
     std::wstring text;
-    // Every text of up to four characters over the alphabet, in counting order.
-    std::vector<std::size_t> digits;
-    for (;;) {
-        text.clear();
-        for (std::size_t digit : digits) {
-            text += short_alphabet[digit];
-        }
-        check(differential, text);
-        std::size_t i = 0;
-        while (i < digits.size() && ++digits[i] == short_alphabet.size()) {
-            digits[i++] = 0;
-        }
-        if (i == digits.size()) {
-            if (digits.size() == 4) {
-                break;
-            }
-            digits.push_back(0);
-        }
-    }
+    every_text_from(differential, text);
 }
 
 TEST_P(path_differential, generated_texts) {
