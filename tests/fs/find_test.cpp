@@ -53,26 +53,14 @@ class find_files_test : public ::testing::Test {
     temp_tree_t tree;
 };
 
-TEST_F(find_files_test, recursive_search_is_depth_first_in_directory_order) {
-    std::vector<std::wstring> expected;
-    expected_walk(tree.native("root"), L".xml", true, expected);
-    ASSERT_EQ(expected.size(), 6u);
-    EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", true)), expected);
-}
-
-TEST_F(find_files_test, flat_search_lists_only_the_directory_itself) {
-    std::vector<std::wstring> expected;
-    expected_walk(tree.native("root"), L".xml", false, expected);
-    ASSERT_EQ(expected.size(), 3u);
-    EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", false)), expected);
-}
-
-TEST_F(find_files_test, results_are_the_directory_joined_with_relative_names) {
-    for (const path_t& found : velmor2::find_files(tree.path("root"), L"*", true)) {
-        SCOPED_TRACE(found.as_native_string());
-        EXPECT_TRUE(found.is_exists());
-        EXPECT_FALSE(found.is_directory());
-        EXPECT_EQ(found.as_string().rfind(tree.path("root").as_string() + L"\\", 0), 0u);
+TEST_F(find_files_test, search_is_depth_first_in_directory_order) {
+    for (const bool recursive : {true, false}) {
+        SCOPED_TRACE(recursive);
+        std::vector<std::wstring> expected;
+        expected_walk(tree.native("root"), L".xml", recursive, expected);
+        ASSERT_EQ(expected.size(), recursive ? 6u : 3u);
+        EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", recursive)),
+                  expected);
     }
 }
 
@@ -101,11 +89,10 @@ TEST_F(find_files_test, pattern_forms) {
     }
 }
 
-TEST(find_files, missing_or_empty_directory_gives_nothing) {
+TEST(find_files, missing_directory_or_a_file_gives_nothing) {
     temp_tree_t tree;
-    EXPECT_TRUE(velmor2::find_files(tree.path("missing"), L"*", true).empty());
-    EXPECT_TRUE(velmor2::find_files(path_t(), L"*", true).empty());
     tree.write("file.xml");
+    EXPECT_TRUE(velmor2::find_files(tree.path("missing"), L"*", true).empty());
     EXPECT_TRUE(velmor2::find_files(tree.path("file.xml"), L"*", true).empty());
 }
 
@@ -138,31 +125,19 @@ TEST(find_files, long_paths_match_as_their_printed_form_does) {
 }
 
 TEST(wildcard, agrees_with_path_match) {
-    const wchar_t* texts[] = {L"C:\\src\\a.cpp",
-                              L"\\tmp\\x\\a.xml",
-                              L"\\tmp\\x\\.xml",
-                              L"\\tmp\\x\\a\nb",
-                              L"a.b.c",
-                              L"",
-                              L"aaa",
-                              L"a*b?c",
-                              L"[x]+(y)$^",
-                              L"\\\\srv\\share\\f.txt"};
+    // Case, both separators, regular-expression characters, backtracking and empty texts.
+    const wchar_t* texts[] = {
+        L"C:\\src\\a.cpp", L"\\tmp\\x\\.xml", L"\\tmp\\x\\a\nb",       L"", L"aaa",
+        L"a*b?c",          L"[x]+(y)$^",      L"\\\\srv\\share\\f.txt"};
     const wchar_t* patterns[] = {L"C:\\src\\*.cpp",
                                  L"c:\\src\\*.cpp",
                                  L"C:/src/*.cpp",
-                                 L"*.cpp",
                                  L"C:\\src\\?.cpp",
-                                 L"C:\\src\\a.c",
                                  L"*",
                                  L"",
                                  L"?",
-                                 L"*.xml",
-                                 L"\\tmp\\x\\*.xml",
                                  L"*a*a*",
-                                 L"a*",
                                  L"*?*",
-                                 L"a.b.c",
                                  L"a?b?c",
                                  L"[x]+(y)$^",
                                  L"\\tmp\\x\\a?b",

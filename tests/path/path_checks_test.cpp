@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #if !defined(_WIN32)
 #include <unistd.h>
 #endif
@@ -102,24 +103,6 @@ class path_status : public testing::Test {
     temp_tree_t dir_;
 };
 
-// The meanings the POSIX calls give: `stat` errors, modes, effective access.
-class path_status_posix : public path_status {
-  protected:
-    void SetUp() override {
-#if defined(_WIN32)
-        GTEST_SKIP() << "POSIX meanings";
-#endif
-    }
-
-    static bool running_as_root() {
-#if defined(_WIN32)
-        return false;
-#else
-        return ::geteuid() == 0;
-#endif
-    }
-};
-
 TEST_F(path_status, exists_and_is_directory) {
     const std::wstring file = dir_.make_file("f.txt").as_native_string();
     const std::wstring sub = dir_.make_dir("sub").as_native_string();
@@ -152,7 +135,31 @@ TEST_F(path_status, exists_and_is_directory) {
     EXPECT_FALSE(path_t().is_exists());
 }
 
-TEST_F(path_status_posix, long_paths_reach_the_system_without_their_prefix) {
+// (read_only, unknown) as `readonly` gives them for `text`.
+std::pair<bool, bool> readonly_of(const std::wstring& text) {
+    bool read_only = true;
+    bool unknown = false;
+    path_t::readonly(text, read_only, unknown);
+    return {read_only, unknown};
+}
+
+TEST_F(path_status, readonly_of_missing_writable_and_read_only_files) {
+    using result_t = std::pair<bool, bool>;
+    EXPECT_EQ(readonly_of(dir_.native("missing").wstring()), result_t(false, true));
+    const std::wstring file = dir_.make_file("f").as_native_string();
+    EXPECT_EQ(readonly_of(file), result_t(false, false));
+    EXPECT_FALSE(path_t(file).is_readonly());
+    // No write bit at all is the read-only attribute, for root as well.
+    std::filesystem::permissions(file, std::filesystem::perms::owner_read |
+                                           std::filesystem::perms::group_read);
+    EXPECT_EQ(readonly_of(file), result_t(true, false));
+    EXPECT_TRUE(path_t(file).is_readonly());
+    EXPECT_FALSE(path_t().is_readonly());
+}
+
+#if !defined(_WIN32)
+// The meanings the POSIX calls give: `stat` errors, modes, effective access.
+TEST_F(path_status, long_texts_reach_the_system_without_the_prefix) {
     std::string relative;
     for (int i = 0; i < 3; ++i) {
         relative += (i == 0 ? "" : "/") + std::string(100, static_cast<char>('a' + i));
@@ -161,80 +168,28 @@ TEST_F(path_status_posix, long_paths_reach_the_system_without_their_prefix) {
     ASSERT_EQ(deep.as_string().compare(0, 4, L"\\\\?\\"), 0);
     EXPECT_TRUE(deep.is_exists());
     EXPECT_TRUE(deep.is_directory());
-}
-
-TEST_F(path_status_posix, a_name_too_long_is_not_there) {
+    // A name too long for the system is not there.
     EXPECT_FALSE(path_t::exists(dir_.native(std::string(300, 'n')).wstring()));
 }
 
-TEST_F(path_status_posix, exists_counts_an_unreadable_entry_as_there) {
-    if (running_as_root()) {
-        GTEST_SKIP() << "root is not refused";
-    }
-    const std::wstring sub = dir_.make_dir("locked").as_native_string();
-    dir_.make_file("locked/f");
-    std::filesystem::permissions(sub, std::filesystem::perms::none);
-    EXPECT_TRUE(path_t::exists(sub + L"/f"));
-    EXPECT_TRUE(path_t::exists(sub + L"/missing"));
-}
-
-TEST_F(path_status_posix, readonly_of_missing_writable_and_read_only_entries) {
-    const auto check = [](const std::wstring& text) {
-        bool read_only = true;
-        bool unknown = false;
-        path_t::readonly(text, read_only, unknown);
-        return std::make_pair(read_only, unknown);
-    };
-    using result_t = std::pair<bool, bool>;
-    EXPECT_EQ(check(dir_.native("missing").wstring()), result_t(false, true));
-    const std::wstring file = dir_.make_file("f").as_native_string();
-    EXPECT_EQ(check(file), result_t(false, false));
-    EXPECT_FALSE(path_t(file).is_readonly());
-
-    // No write bit at all is the read-only attribute, for root as well.
-    std::filesystem::permissions(file, std::filesystem::perms::owner_read |
-                                           std::filesystem::perms::group_read);
-    EXPECT_EQ(check(file), result_t(true, false));
-    EXPECT_TRUE(path_t(file).is_readonly());
+TEST_F(path_status, read_only_directory_and_effective_access) {
     const std::wstring sub = dir_.make_dir("sub").as_native_string();
+    dir_.write("sub/f");
     std::filesystem::permissions(sub, std::filesystem::perms::owner_read |
                                           std::filesystem::perms::owner_exec);
-    EXPECT_EQ(check(sub), result_t(true, false));
-
-    EXPECT_FALSE(path_t().is_readonly());
-}
-
-TEST_F(path_status_posix, readonly_when_the_caller_may_not_write) {
-    if (running_as_root()) {
-        GTEST_SKIP() << "root may write whatever the mode says";
+    EXPECT_EQ(readonly_of(sub), std::make_pair(true, false));
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "root may write whatever the mode says and reads every directory";
     }
     // Others may write, the owner may not: the caller's effective access decides.
     const std::wstring file = dir_.make_file("f").as_native_string();
     std::filesystem::permissions(file, std::filesystem::perms::owner_read |
                                            std::filesystem::perms::others_write);
-    bool read_only = false;
-    bool unknown = true;
-    path_t::readonly(file, read_only, unknown);
-    EXPECT_TRUE(read_only);
-    EXPECT_FALSE(unknown);
-}
-
-#if defined(_WIN32)
-// The security check and the read-only attribute through the Win32 calls.
-TEST_F(path_status, readonly_of_missing_writable_and_read_only_files_on_windows) {
-    bool read_only = true;
-    bool unknown = false;
-    path_t::readonly(dir_.native("missing").wstring(), read_only, unknown);
-    EXPECT_FALSE(read_only);
-    EXPECT_TRUE(unknown);
-    const std::wstring file = dir_.make_file("f").as_native_string();
-    path_t::readonly(file, read_only, unknown);
-    EXPECT_FALSE(read_only);
-    EXPECT_FALSE(unknown);
-    std::filesystem::permissions(file, std::filesystem::perms::owner_read);
-    path_t::readonly(file, read_only, unknown);
-    EXPECT_TRUE(read_only);
-    EXPECT_FALSE(unknown);
+    EXPECT_EQ(readonly_of(file), std::make_pair(true, false));
+    // An entry below a directory that may not be searched still counts as there.
+    std::filesystem::permissions(sub, std::filesystem::perms::none);
+    EXPECT_TRUE(path_t::exists(sub + L"/f"));
+    EXPECT_TRUE(path_t::exists(sub + L"/missing"));
 }
 #endif
 
