@@ -95,7 +95,13 @@ public:
     /// The text handed to the operating system: the printed form on Windows; on POSIX the
     /// printed form with every `\` turned into `/` and without the `\\?\` prefix.
     std::wstring as_native_string() const;
-    /// The path as texts: for a drive path `C:` first, then one element per component.
+    /// The path as texts, one element per component; the first element carries the root, so
+    /// that `assign` of the list gives the path back.
+    ///
+    ///   C:\a\b        => {C:, a, b}
+    ///   /usr/lib      => {\, usr, lib}
+    ///   \\srv\share   => {\\srv, share}
+    ///   a\b           => {a, b}
     std::list<std::wstring> as_string_list() const;
     /// The printed path without its last component.
     ///
