@@ -1,4 +1,5 @@
 // velmor text: encoding detection and conversion of text files.
+#include "code_page_name.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
 #include "text/encode.hpp"
@@ -9,19 +10,6 @@
 
 namespace velmor_tool {
 namespace {
-
-const wchar_t* code_page_name(velmor2::code_page_t cp) {
-    switch (cp) {
-    case velmor2::cp_utf8:
-        return L"utf8";
-    case velmor2::cp_utf16:
-        return L"utf16";
-    case velmor2::cp_ansi:
-        return L"ansi";
-    default:
-        return L"unknown";
-    }
-}
 
 int detect(const std::vector<std::wstring>& args) {
     std::vector<std::wstring> files;

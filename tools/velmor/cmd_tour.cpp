@@ -1,4 +1,5 @@
 // velmor tour: what a desktop tool does at start-up, step by step, on a sample product.
+#include "code_page_name.hpp"
 #include "command.hpp"
 #include "value_text.hpp"
 
@@ -28,19 +29,6 @@ std::wstring utc_now() {
     wchar_t text[32] = L"";
     std::wcsftime(text, sizeof(text) / sizeof(text[0]), L"%Y-%m-%dT%H:%M:%SZ", std::gmtime(&now));
     return text;
-}
-
-std::wstring encoding_name(velmor2::code_page_t cp) {
-    switch (cp) {
-    case velmor2::cp_utf8:
-        return L"UTF-8";
-    case velmor2::cp_utf16:
-        return L"UTF-16LE";
-    case velmor2::cp_ansi:
-        return L"ANSI";
-    default:
-        return L"unknown";
-    }
 }
 
 void step(int number, const std::wstring& title) {
@@ -124,7 +112,7 @@ int run(const std::vector<std::wstring>& args) {
     std::swprintf(crc, 9, L"%08lx", velmor2::generate_hash(file));
     show(L"MD5", md5.get_digest_base16());
     show(L"CRC-32", crc);
-    show(L"encoding", encoding_name(velmor2::get_file_cp(file)));
+    show(L"encoding", code_page_name(velmor2::get_file_cp(file)));
 
     step(7, L"Where everything is");
     show(L"configuration file", file.as_native_string());

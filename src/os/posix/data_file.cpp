@@ -1,5 +1,6 @@
 // Whole-file reading and writing with open, read and write.
 #include "os/data_file.hpp"
+#include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 
 #include <cerrno>
@@ -77,19 +78,7 @@ bool data_file_t::read(void* buffer, std::size_t size, std::size_t& got) {
 }
 
 bool data_file_t::write(const void* data, std::size_t size) {
-    const char* in = static_cast<const char*>(data);
-    while (size > 0) {
-        const ssize_t n = ::write(static_cast<int>(handle_), in, size);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        in += n;
-        size -= static_cast<std::size_t>(n);
-    }
-    return true;
+    return write_all(static_cast<int>(handle_), data, size);
 }
 
 } // namespace velmor2::_internal::os

@@ -60,7 +60,10 @@ class fd_t {
     int fd_;
 };
 
-bool write_all(int fd, const char* data, std::size_t size) {
+} // namespace
+
+bool write_all(int fd, const void* bytes, std::size_t size) {
+    const char* data = static_cast<const char*>(bytes);
     while (size > 0) {
         const ssize_t written = fs_calls().write(fd, data, size);
         if (written < 0) {
@@ -74,6 +77,8 @@ bool write_all(int fd, const char* data, std::size_t size) {
     }
     return true;
 }
+
+namespace {
 
 bool copy_content(int in, int out) {
     std::vector<char> buffer(1 << 17);

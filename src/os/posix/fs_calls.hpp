@@ -3,6 +3,7 @@
 // as a value.
 #pragma once
 
+#include <cstddef>
 #include <sys/types.h>
 
 namespace velmor2::_internal::os {
@@ -25,5 +26,9 @@ fs_calls_t& fs_calls();
 
 /// The real calls.
 const fs_calls_t& real_fs_calls();
+
+/// Writes all `size` bytes to `fd` through the table, retrying interrupted writes; false on
+/// any other failure.
+bool write_all(int fd, const void* data, std::size_t size);
 
 } // namespace velmor2::_internal::os
