@@ -8,9 +8,11 @@
 
 #include <boost/any.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -31,7 +33,8 @@ namespace velmor2 {
 class advanced_xml_config_t;
 namespace _internal {
 class handler_scope_t;
-}
+struct store_watch_t;
+} // namespace _internal
 
 /// A reference-counted owning pointer with a separately allocated, non-atomic count; copies
 /// share the object, the last one deletes it. A pointer and its copies belong to one thread at
@@ -215,6 +218,37 @@ class VELMOR_API advanced_xml_config_t {
     /// Appends a handler; a type name or held type an earlier handler serves stays with it.
     void add_handler(smart_pointer_t<handler_base_t> handler);
 
+    /// Puts `lower` under the store: `get_value` and `has_value` consult it (and its own lower
+    /// layer) for keys the store does not hold. `set_value`, `save`, `load` and `get_names`
+    /// concern the store's own values only; the lower layer is never written. Null removes
+    /// the layer. False, nothing changed, when `lower` is this store or has it below.
+    ///
+    ///   defaults: general.width = 80        user: general.width = 120
+    ///   user.set_lower_layer(defaults)      user.get_value(L"general.width") => 120
+    ///   defaults: general.height = 25       user.get_value(L"general.height") => 25
+    bool set_lower_layer(std::shared_ptr<const advanced_xml_config_t> lower);
+    /// The layer under the store, or null.
+    std::shared_ptr<const advanced_xml_config_t> get_lower_layer() const;
+
+    /// Starts watching `file` for saves by other programs, replacing an earlier watch. The
+    /// file's current content is the starting point: loads nothing, announces nothing. False
+    /// when the file's folder cannot be watched.
+    bool watch_file(const path_t& file);
+    /// What to wait on for changes to the watched file: a descriptor that turns readable on
+    /// POSIX, a waitable HANDLE on Windows; -1 when nothing is watched. Starts no thread.
+    std::intptr_t watch_handle() const;
+    /// Takes the pending notifications off `watch_handle` without blocking and, when the
+    /// watched file changed, applies what changed on disk since the watch started or since
+    /// the last reload: each key whose value there changed, was added or was removed, and
+    /// differs from the store's own, is set (or removed) and announced once through
+    /// `value_changed` (a removed key with an empty new value). Other keys, unsaved changes
+    /// included, stay. The store's own saves therefore announce nothing. A file that does
+    /// not load changes nothing and is tried again at the next change. The number of keys
+    /// announced.
+    std::size_t reload_changes();
+    /// Ends the watch; its handle is closed.
+    void stop_watching();
+
     /// Fired by every `set_value` (and so by `load`) with (key, previous value, new value);
     /// the previous value is empty for a new key.
     _internal::signal_t<const std::wstring&, const boost::any&, const boost::any&,
@@ -234,6 +268,11 @@ class VELMOR_API advanced_xml_config_t {
     void parse_node(xmlNode* node);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
+    /// The value under the lower-cased `key` in the store or a layer below; null if none.
+    const boost::any* find_value(const std::wstring& key) const;
+    /// The XML text each value would be saved as, by key, for comparing values.
+    std::map<std::wstring, std::string> saved_texts(
+        const std::map<std::wstring, boost::any>& of) const;
 
     /// The values under lower-cased keys.
     std::map<std::wstring, boost::any> values;
@@ -245,6 +284,10 @@ class VELMOR_API advanced_xml_config_t {
     std::vector<
         std::tuple<std::size_t, std::wstring_view, std::pair<const std::wstring, boost::any>*>>
         index;
+    /// The layer under the store's own values, or null.
+    std::shared_ptr<const advanced_xml_config_t> lower;
+    /// The watched file and what it held when last read; null when nothing is watched.
+    std::unique_ptr<_internal::store_watch_t> watch;
 };
 
 /// Opens `file` for reading (other writers excluded) and parses it without printing errors;

@@ -3,6 +3,7 @@
 
 #include "config/handlers_internal.hpp"
 #include "config/key_index.hpp"
+#include "config/store_watch.hpp"
 #include "text/convert.hpp"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ advanced_xml_config_t::advanced_xml_config_t() {
 
 advanced_xml_config_t::advanced_xml_config_t(const advanced_xml_config_t& other)
     : value_changed(other.value_changed), values(other.values), handlers(other.handlers),
-      index(_internal::key_index::build(values)) {}
+      index(_internal::key_index::build(values)), lower(other.lower) {}
 
 advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_config_t& other) {
     value_changed = other.value_changed;
@@ -38,6 +39,9 @@ advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_confi
         auto copied = other.values;
         auto copied_index = _internal::key_index::build(copied);
         handlers = other.handlers;
+        if (!set_lower_layer(other.lower)) {
+            lower.reset();
+        }
         values.swap(copied);
         index.swap(copied_index);
     }
@@ -54,9 +58,8 @@ advanced_xml_config_t::~advanced_xml_config_t() {
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
     return with_key(name, [&](const std::wstring& key) {
-        const auto* found =
-            _internal::key_index::find(index, key, _internal::key_index::hash_of(key));
-        return found != nullptr ? found->second : default_value;
+        const boost::any* found = find_value(key);
+        return found != nullptr ? *found : default_value;
     });
 }
 
@@ -82,10 +85,32 @@ void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
-    return with_key(name, [this](const std::wstring& key) {
-        return _internal::key_index::find(index, key, _internal::key_index::hash_of(key)) !=
-               nullptr;
-    });
+    return with_key(name, [this](const std::wstring& key) { return find_value(key) != nullptr; });
+}
+
+const boost::any* advanced_xml_config_t::find_value(const std::wstring& key) const {
+    const std::size_t hash = _internal::key_index::hash_of(key);
+    for (const advanced_xml_config_t* layer = this; layer != nullptr; layer = layer->lower.get()) {
+        if (const auto* found = _internal::key_index::find(layer->index, key, hash)) {
+            return &found->second;
+        }
+    }
+    return nullptr;
+}
+
+bool advanced_xml_config_t::set_lower_layer(std::shared_ptr<const advanced_xml_config_t> layer) {
+    for (const advanced_xml_config_t* below = layer.get(); below != nullptr;
+         below = below->lower.get()) {
+        if (below == this) {
+            return false;
+        }
+    }
+    lower = std::move(layer);
+    return true;
+}
+
+std::shared_ptr<const advanced_xml_config_t> advanced_xml_config_t::get_lower_layer() const {
+    return lower;
 }
 
 void advanced_xml_config_t::get_names(std::vector<std::wstring>& names) const {

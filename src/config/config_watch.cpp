@@ -1,0 +1,152 @@
+// Watching a store's file and applying what other programs change in it.
+//
+// A change is judged against two texts of each value: the one the file held when last read,
+// and the store's own. A key is applied only when the file's value moved and differs from the
+// store's: the store's own saves (whose values it already holds) and its unsaved changes to
+// keys nobody else touched are left alone.
+#include <velmor2/configuration.hpp>
+
+#include "config/handler_scope.hpp"
+#include "config/key_index.hpp"
+#include "config/store_watch.hpp"
+#include "os/file_watch.hpp"
+
+#include <libxml/tree.h>
+
+#include <memory>
+#include <vector>
+
+namespace velmor2 {
+namespace {
+
+// The parent folder to watch for `file`: its branch, or the working folder for a bare name.
+std::wstring folder_of(const path_t& file) {
+    const std::wstring branch = file.get_branch();
+    return branch.empty() ? std::wstring(L".") : branch;
+}
+
+} // namespace
+
+std::map<std::wstring, std::string> advanced_xml_config_t::saved_texts(
+    const std::map<std::wstring, boost::any>& of) const {
+    std::map<std::wstring, std::string> texts;
+    const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(BAD_CAST "1.0"),
+                                                             &xmlFreeDoc);
+    const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(),
+                                                                      &xmlBufferFree);
+    for (const auto& [key, value] : of) {
+        std::string& text = texts[key];
+        handler_base_t* handler = handler_for_type(value.type());
+        if (value.empty() || handler == nullptr) {
+            // Values without a handler compare by type alone.
+            text = value.type().name();
+            continue;
+        }
+        xmlNode* element = xmlNewDocNode(doc.get(), nullptr, BAD_CAST "v", nullptr);
+        xmlDocSetRootElement(doc.get(), element);
+        {
+            _internal::handler_scope_t scope(*handler, this);
+            handler->save_value(value, element);
+        }
+        xmlBufferEmpty(buffer.get());
+        xmlNodeDump(buffer.get(), doc.get(), element, 0, 0);
+        text.assign(value.type().name()).append(1, '\0');
+        text.append(reinterpret_cast<const char*>(xmlBufferContent(buffer.get())),
+                    static_cast<std::size_t>(xmlBufferLength(buffer.get())));
+        xmlUnlinkNode(element);
+        xmlFreeNode(element);
+    }
+    return texts;
+}
+
+bool advanced_xml_config_t::watch_file(const path_t& file) {
+    auto started = std::make_unique<_internal::store_watch_t>();
+    started->file = file;
+    started->handle = _internal::os::open_folder_watch(folder_of(file));
+    if (started->handle == _internal::os::no_watch) {
+        return false;
+    }
+    advanced_xml_config_t on_disk;
+    on_disk.handlers = handlers;
+    if (on_disk.load(file)) {
+        started->on_disk = saved_texts(on_disk.values);
+    }
+    watch = std::move(started);
+    return true;
+}
+
+std::intptr_t advanced_xml_config_t::watch_handle() const {
+    return watch ? watch->handle : _internal::os::no_watch;
+}
+
+void advanced_xml_config_t::stop_watching() {
+    watch.reset();
+}
+
+std::size_t advanced_xml_config_t::reload_changes() {
+    if (!watch || !_internal::os::drain_folder_watch(watch->handle, watch->file.get_leaf())) {
+        return 0;
+    }
+    advanced_xml_config_t on_disk;
+    on_disk.handlers = handlers;
+    // A file that is missing for the moment (mid-replacement) or does not load is looked at
+    // again at the next change.
+    if (!on_disk.load(watch->file)) {
+        return 0;
+    }
+    std::map<std::wstring, std::string> now = saved_texts(on_disk.values);
+    // The keys whose text on disk moved: changed, added or removed.
+    std::vector<std::wstring> moved;
+    auto before = watch->on_disk.begin();
+    for (const auto& [key, text] : now) {
+        for (; before != watch->on_disk.end() && before->first < key; ++before) {
+            moved.push_back(before->first);
+        }
+        if (before != watch->on_disk.end() && before->first == key) {
+            if (before->second != text) {
+                moved.push_back(key);
+            }
+            ++before;
+        } else {
+            moved.push_back(key);
+        }
+    }
+    for (; before != watch->on_disk.end(); ++before) {
+        moved.push_back(before->first);
+    }
+    watch->on_disk.swap(now);
+
+    // Removals first, with one rebuild of the index, so that the announcements below find the
+    // store consistent.
+    std::vector<std::pair<std::wstring, boost::any>> removed;
+    for (const std::wstring& key : moved) {
+        const auto own = values.find(key);
+        if (on_disk.values.count(key) == 0 && own != values.end()) {
+            removed.emplace_back(key, std::move(own->second));
+            values.erase(own);
+        }
+    }
+    if (!removed.empty()) {
+        index = _internal::key_index::build(values);
+    }
+    std::size_t announced = 0;
+    for (const auto& [key, previous] : removed) {
+        ++announced;
+        value_changed(key, previous, boost::any());
+    }
+    for (const std::wstring& key : moved) {
+        const auto incoming = on_disk.values.find(key);
+        if (incoming == on_disk.values.end()) {
+            continue;
+        }
+        const auto own = values.find(key);
+        if (own != values.end() && saved_texts({*own}) == saved_texts({*incoming})) {
+            continue;
+        }
+        ++announced;
+        set_value(key, incoming->second);
+    }
+    return announced;
+}
+
+} // namespace velmor2
