@@ -25,4 +25,5 @@ LD_LIBRARY_PATH="$prefix/lib" "$build/consumer_pc"
 deb=$(ls "$build"/velmor-core_*.deb | head -n 1)
 DEBIAN_FRONTEND=noninteractive apt-get install -o DPkg::Lock::Timeout=600 -y -qq --reinstall "./$deb" </dev/null >/dev/null
 velmor --help >/dev/null
+bash tests/tool/velmor_e2e.sh "$(command -v velmor)"
 echo "package: $(basename "$deb") installs and runs"
