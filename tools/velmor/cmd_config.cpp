@@ -12,6 +12,7 @@
 
 #include <libxml/tree.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <string>
@@ -24,7 +25,9 @@ using velmor2::_internal::to_utf8;
 using handler_list_t = std::list<velmor2::smart_pointer_t<velmor2::handler_base_t>>;
 using document_t = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
-const xmlChar* xml(const std::string& text) { return reinterpret_cast<const xmlChar*>(text.c_str()); }
+const xmlChar* xml(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
 
 // The built-in handlers that keep a value as the text of its element: the types `set` takes.
 handler_list_t text_handlers() {
@@ -72,13 +75,15 @@ std::vector<std::string> key_levels(const std::wstring& key) {
     return levels;
 }
 
-bool has_type(xmlNode* node) { return xmlHasProp(node, xml("type")) != nullptr; }
+bool has_type(xmlNode* node) {
+    return xmlHasProp(node, xml("type")) != nullptr;
+}
 
 // Whether `node` is an element that a load files under `level`: keys are lower-cased.
 bool is_level(const xmlNode* node, const std::string& level) {
     return node->type == XML_ELEMENT_NODE &&
-           to_utf8(velmor2::_internal::tolower(velmor2::_internal::to_ustring(
-               reinterpret_cast<const char*>(node->name)))) == level;
+           to_utf8(velmor2::_internal::tolower(
+               velmor2::_internal::to_ustring(reinterpret_cast<const char*>(node->name)))) == level;
 }
 
 // The elements of `levels[depth...]` below `node` that a load reaches (through elements
@@ -121,25 +126,29 @@ xmlNode* append_element(xmlNode* parent, const std::string& name, std::size_t de
         xmlAddPrevSibling(parent->last, element);
     } else {
         xmlAddChild(parent, element);
-        xmlAddNextSibling(element, xmlNewDocText(parent->doc, xml("\n" + std::string(2 * depth, ' '))));
+        xmlAddNextSibling(element,
+                          xmlNewDocText(parent->doc, xml("\n" + std::string(2 * depth, ' '))));
     }
     xmlAddPrevSibling(element, xmlNewDocText(parent->doc, xml(indent)));
     return element;
 }
 
-// The element a load takes for `levels` (the last in document order), created with the
+// The element a load takes for `levels` (the last typed one in document order), created with the
 // levels it lacks when there is none; null, after a message, when a value or a group is in
 // the way.
-xmlNode* value_element(xmlDoc* doc, const std::wstring& key, const std::vector<std::string>& levels) {
+xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
+                       const std::vector<std::string>& levels) {
     xmlNode* node = xmlDocGetRootElement(doc);
     std::vector<xmlNode*> found;
     find_elements(node, levels, 0, found);
     if (!found.empty()) {
-        if (!has_type(found.back()) && xmlFirstElementChild(found.back()) != nullptr) {
+        const auto typed = std::find_if(found.rbegin(), found.rend(), has_type);
+        xmlNode* element = typed != found.rend() ? *typed : found.back();
+        if (!has_type(element) && xmlFirstElementChild(element) != nullptr) {
             failure(L"KEY '" + key + L"' names a group of values; file not changed");
             return nullptr;
         }
-        return found.back();
+        return element;
     }
     for (std::size_t depth = 0; depth < levels.size(); ++depth) {
         xmlNode* next = nullptr;

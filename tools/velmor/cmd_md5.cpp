@@ -69,9 +69,8 @@ bool warn(std::size_t count, const wchar_t* one, const wchar_t* many) {
 // Checks the files listed in the checksum file `list`; exit_failed on any miss.
 int check_list(const std::wstring& list) {
     std::string content;
-    if (!read_file(list, [&content](const char* data, std::size_t size) {
-            content.append(data, size);
-        })) {
+    if (!read_file(
+            list, [&content](const char* data, std::size_t size) { content.append(data, size); })) {
         report(L"md5", list, reason(errno));
         return exit_failed;
     }
@@ -93,7 +92,8 @@ int check_list(const std::wstring& list) {
             name.find(L'\n') == std::wstring::npos ? name : L"\\" + escape_name(name);
         md5_summary_t md5;
         md5.start();
-        if (!read_file(name, [&md5](const char* data, std::size_t size) { md5.take(data, size); })) {
+        if (!read_file(name,
+                       [&md5](const char* data, std::size_t size) { md5.take(data, size); })) {
             report(L"md5", name, reason(errno));
             out(shown + L": FAILED open or read\n");
             ++unreadable;
@@ -109,10 +109,10 @@ int check_list(const std::wstring& list) {
         return exit_failed;
     }
     warn(improper, L"line is improperly formatted", L"lines are improperly formatted");
-    const bool unread = warn(unreadable, L"listed file could not be read",
-                             L"listed files could not be read");
-    const bool failed = warn(mismatched, L"computed checksum did NOT match",
-                             L"computed checksums did NOT match");
+    const bool unread =
+        warn(unreadable, L"listed file could not be read", L"listed files could not be read");
+    const bool failed =
+        warn(mismatched, L"computed checksum did NOT match", L"computed checksums did NOT match");
     return unread || failed ? exit_failed : exit_ok;
 }
 

@@ -21,9 +21,9 @@ class code_page_summary_t : public file_summary_t {
     void take(const char* data, std::size_t size) override { bytes.append(data, size); }
     std::wstring result() override {
         // An empty file holds no character that would need another encoding.
-        return code_page_name(bytes.empty() ? velmor2::cp_ansi
-                                            : velmor2::_internal::detect_code_page(
-                                                  bytes.data(), bytes.size()));
+        return code_page_name(
+            bytes.empty() ? velmor2::cp_ansi
+                          : velmor2::_internal::detect_code_page(bytes.data(), bytes.size()));
     }
 
   private:

@@ -24,8 +24,8 @@ inline bool file_arguments(const wchar_t* command, const std::vector<std::wstrin
                    std::find(flags.begin(), flags.end(), arg) != flags.end()) {
             given->push_back(arg);
         } else if (options && arg.size() > 1 && arg[0] == L'-') {
-            err(std::wstring(L"velmor ") + command + L": unknown option '" + arg + L"' (see velmor " +
-                command + L" --help)\n");
+            err(std::wstring(L"velmor ") + command + L": unknown option '" + arg +
+                L"' (see velmor " + command + L" --help)\n");
             return false;
         } else {
             files.push_back(arg);

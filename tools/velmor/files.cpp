@@ -24,7 +24,9 @@ constexpr std::size_t chunk_size = 65536;
 std::FILE* open_file(const std::wstring& name, const wchar_t* mode) {
     return _wfopen(name.c_str(), mode);
 }
-void binary_stdin() { _setmode(_fileno(stdin), _O_BINARY); }
+void binary_stdin() {
+    _setmode(_fileno(stdin), _O_BINARY);
+}
 int stat_error(const std::wstring& name) {
     struct _stat64 status;
     return _wstat64(name.c_str(), &status) != 0 ? errno
@@ -100,9 +102,13 @@ bool write_file(const std::wstring& name, const std::string& bytes) {
                               std::fflush(stream) == 0);
 }
 
-int file_error(const std::wstring& name) { return stat_error(name); }
+int file_error(const std::wstring& name) {
+    return stat_error(name);
+}
 
-std::wstring reason(int code) { return from_bytes(std::strerror(code)); }
+std::wstring reason(int code) {
+    return from_bytes(std::strerror(code));
+}
 
 void report(const wchar_t* command, const std::wstring& name, const std::wstring& problem) {
     err(std::wstring(L"velmor ") + command + L": " + name + L": " + problem + L"\n");
@@ -123,7 +129,10 @@ velmor2::path_t exact_path(const wchar_t* command, const std::wstring& name) {
 std::wstring escape_name(const std::wstring& name) {
     std::wstring text;
     for (const wchar_t c : name) {
-        text += c == L'\\' ? L"\\\\" : c == L'\n' ? L"\\n" : c == L'\r' ? L"\\r" : std::wstring(1, c);
+        text += c == L'\\'   ? L"\\\\"
+                : c == L'\n' ? L"\\n"
+                : c == L'\r' ? L"\\r"
+                             : std::wstring(1, c);
     }
     return text;
 }

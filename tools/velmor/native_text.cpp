@@ -6,8 +6,12 @@
 namespace velmor_tool {
 namespace {
 
-bool is_high_surrogate(wchar_t c) { return c >= 0xD800 && c <= 0xDBFF; }
-bool is_low_surrogate(wchar_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
+bool is_high_surrogate(wchar_t c) {
+    return c >= 0xD800 && c <= 0xDBFF;
+}
+bool is_low_surrogate(wchar_t c) {
+    return c >= 0xDC00 && c <= 0xDFFF;
+}
 
 // Where `wchar_t` holds UTF-16, a high surrogate followed by a low one is one character.
 bool is_pair(const std::wstring& text, std::size_t i) {
