@@ -104,6 +104,7 @@ expect 2 '' $'velmor config: VALUE \'x\' is not of type \'int\' (see velmor conf
   'velmor config c.xml set general.width x --type int'
 expect 1 '' $'velmor config: KEY and VALUE must be valid UTF-8; file not changed\n' \
   "velmor config c.xml set general.width \$'\\xff'"
+expect 1 '' $'velmor env: NAME and VALUE must be valid UTF-8; nothing set\n' "velmor env X \$'\\xff'"
 expect 1 '' $'velmor config: VALUE holds characters XML cannot keep, or KEY is nested too deep; file not changed\n' \
   "velmor config c.xml set general.width \$'a\\x01'"
 expect 1 '' $'velmor config: KEY \'general.width.x\': level \'width\' holds a value; file not changed\n' \
