@@ -56,8 +56,16 @@ expect 1 "$abc  abc"$'\n' $'velmor md5: nofile: No such file or directory\nvelmo
   'velmor md5 abc nofile d'
 expect 1 '' $'velmor crc32: d: Is a directory\n' 'velmor crc32 d'
 printf 'secret' >secret && chmod 000 secret
-if [ "$(id -u)" = 0 ]; then as_user='setpriv --reuid=65534 --regid=65534 --clear-groups'; else as_user=''; fi
-expect 1 '' $'velmor crc32: secret: Permission denied\n' "$as_user velmor crc32 secret"
+# Root reads anything: the unreadable file is read by an ordinary user.
+as_user=''
+if [ "$(id -u)" = 0 ]; then
+  as_user=$(command -v setpriv) && as_user+=' --reuid=65534 --regid=65534 --clear-groups'
+fi
+if [ "$(id -u)" = 0 ] && [ -z "$as_user" ]; then
+  echo 'velmor_e2e: skipped the unreadable file (root without setpriv)'
+else
+  expect 1 '' $'velmor crc32: secret: Permission denied\n' "$as_user velmor crc32 secret"
+fi
 expect 2 '' 'usage: velmor COMMAND [ARGS...]*' 'velmor'
 expect 2 '' $'velmor md5: unknown option \'-x\' (see velmor md5 --help)\n' 'velmor md5 -x'
 
