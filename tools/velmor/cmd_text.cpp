@@ -79,7 +79,7 @@ int convert(const std::vector<std::wstring>& args) {
     if (have_output && output.empty()) {
         return usage_error(L"-o needs a file name");
     }
-    // The library reads the file; its own open error names the reason.
+    // The library says only that it cannot read a file: the reason comes from the system.
     const int error = file_error(file);
     if (error != 0) {
         report(L"text convert", file, reason(error));
