@@ -27,5 +27,7 @@ deb=$(ls "$build"/velmor-core_*.deb | head -n 1)
 unpacked=$prefix/unpacked
 dpkg-deb -x "$deb" "$unpacked"
 library=$(find "$unpacked" -name 'libvelmor_core.so.*' -type f | head -n 1)
-LD_LIBRARY_PATH=$(dirname "$library") "$unpacked/usr/bin/velmor" --help >/dev/null
+export LD_LIBRARY_PATH=$(dirname "$library")
+"$unpacked/usr/bin/velmor" --help >/dev/null
+bash tests/tool/velmor_e2e.sh "$unpacked/usr/bin/velmor"
 echo "package: $(basename "$deb") unpacks and runs"

@@ -1,78 +1,51 @@
 // velmor config: list, read and change the values of a configuration file.
 #include "command.hpp"
+#include "files.hpp"
+#include "native_text.hpp"
 #include "value_text.hpp"
 
 #include <velmor2/configuration.hpp>
 
-#include "config/number_text.hpp"
+#include "config/handlers_internal.hpp"
+#include "config/xml_check.hpp"
+#include "text/convert.hpp"
 
-#include <list>
-#include <map>
+#include <libxml/tree.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace velmor_tool {
 namespace {
 
-using velmor2::_internal::parse_number;
+using velmor2::_internal::to_utf8;
+using handler_list_t = std::list<velmor2::smart_pointer_t<velmor2::handler_base_t>>;
+using document_t = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
-template <typename T> bool parse_into(const std::wstring& text, boost::any& value) {
-    T number;
-    if (!parse_number(text, number)) {
-        return false;
-    }
-    value = number;
-    return true;
+const xmlChar* xml(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-// The value of `text` as type `type`; false for an unknown type or text that does not convert.
-bool make_value(const std::wstring& type, const std::wstring& text, boost::any& value) {
-    if (type == L"string") {
-        value = text;
-        return true;
+// The built-in handlers that keep a value as the text of its element: the types `set` takes.
+handler_list_t text_handlers() {
+    handler_list_t all, text;
+    velmor2::_internal::add_builtin_handlers(all);
+    for (const auto& handler : all) {
+        if (dynamic_cast<velmor2::_internal::text_writer_t*>(handler.get()) != nullptr) {
+            text.push_back(handler);
+        }
     }
-    if (type == L"path_t") {
-        value = velmor2::path_t(text);
-        return true;
-    }
-    if (type == L"bool") {
-        return parse_into<bool>(text, value);
-    }
-    if (type == L"int") {
-        return parse_into<int>(text, value);
-    }
-    if (type == L"long") {
-        return parse_into<long>(text, value);
-    }
-    if (type == L"unsigned long") {
-        return parse_into<unsigned long>(text, value);
-    }
-    if (type == L"unsigned short") {
-        return parse_into<unsigned short>(text, value);
-    }
-    if (type == L"unsigned int") {
-        return parse_into<unsigned int>(text, value);
-    }
-    if (type == L"float") {
-        return parse_into<float>(text, value);
-    }
-    if (type == L"double") {
-        return parse_into<double>(text, value);
-    }
-    return false;
+    return text;
 }
 
-// Reports what save leaves out.
+// Reports the elements a load skips.
 struct reporting_store_t : velmor2::advanced_xml_config_t {
-    bool skipped = false;
-
   protected:
     void on_load_value_failed(const std::wstring& name, const std::wstring& type_name) override {
         err(L"velmor config: " + name + L": unknown type \"" + type_name + L"\", ignored\n");
-    }
-    void on_save_value_failed(const std::wstring& name, const std::type_info&) override {
-        err(L"velmor config: " + name + L": cannot be written (key or value), left out\n");
-        skipped = true;
     }
 };
 
@@ -81,16 +54,214 @@ int usage_error(const std::wstring& message) {
     return exit_usage;
 }
 
+int failure(const std::wstring& message) {
+    err(L"velmor config: " + message + L"\n");
+    return exit_failed;
+}
+
+// The levels of `key`, lower-cased, as element names; empty when one is not an element name.
+std::vector<std::string> key_levels(const std::wstring& key) {
+    std::vector<std::string> levels;
+    std::size_t start = 0;
+    for (std::size_t dot; (dot = key.find(L'.', start)) != std::wstring::npos; start = dot + 1) {
+        levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start, dot - start))));
+    }
+    levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start))));
+    for (const std::string& level : levels) {
+        if (!velmor2::_internal::is_element_name(level)) {
+            return {};
+        }
+    }
+    return levels;
+}
+
+bool has_type(xmlNode* node) {
+    return xmlHasProp(node, xml("type")) != nullptr;
+}
+
+// Whether `node` is an element that a load files under `level`: keys are lower-cased.
+bool is_level(const xmlNode* node, const std::string& level) {
+    return node->type == XML_ELEMENT_NODE &&
+           to_utf8(velmor2::_internal::tolower(
+               velmor2::_internal::to_ustring(reinterpret_cast<const char*>(node->name)))) == level;
+}
+
+// The elements of `levels[depth...]` below `node` that a load reaches (through elements
+// without a type), in document order.
+void find_elements(xmlNode* node, const std::vector<std::string>& levels, std::size_t depth,
+                   std::vector<xmlNode*>& found) {
+    for (xmlNode* child = node->children; child != nullptr; child = child->next) {
+        if (!is_level(child, levels[depth])) {
+            continue;
+        }
+        if (depth + 1 == levels.size()) {
+            found.push_back(child);
+        } else if (!has_type(child)) {
+            find_elements(child, levels, depth + 1, found);
+        }
+    }
+}
+
+// libxml2 indents on its own only the content of elements without text in or above them.
+bool indented_by_writer(xmlNode* node) {
+    for (; node != nullptr && node->type == XML_ELEMENT_NODE; node = node->parent) {
+        for (xmlNode* child = node->children; child != nullptr; child = child->next) {
+            if (child->type == XML_TEXT_NODE) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// Appends element `name` to `parent`, which sits at nesting `depth` (the root at 0), indented
+// two spaces a level as the store writes files.
+xmlNode* append_element(xmlNode* parent, const std::string& name, std::size_t depth) {
+    xmlNode* element = xmlNewDocNode(parent->doc, nullptr, xml(name), nullptr);
+    if (indented_by_writer(parent)) {
+        return xmlAddChild(parent, element);
+    }
+    const std::string indent = "\n" + std::string(2 * (depth + 1), ' ');
+    if (parent->last != nullptr && xmlIsBlankNode(parent->last)) {
+        xmlAddPrevSibling(parent->last, element);
+    } else {
+        xmlAddChild(parent, element);
+        xmlAddNextSibling(element,
+                          xmlNewDocText(parent->doc, xml("\n" + std::string(2 * depth, ' '))));
+    }
+    xmlAddPrevSibling(element, xmlNewDocText(parent->doc, xml(indent)));
+    return element;
+}
+
+// The element a load takes for `levels` (the last typed one in document order), created with the
+// levels it lacks when there is none; null, after a message, when a value or a group is in
+// the way.
+xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
+                       const std::vector<std::string>& levels) {
+    xmlNode* node = xmlDocGetRootElement(doc);
+    std::vector<xmlNode*> found;
+    find_elements(node, levels, 0, found);
+    if (!found.empty()) {
+        const auto typed = std::find_if(found.rbegin(), found.rend(), has_type);
+        xmlNode* element = typed != found.rend() ? *typed : found.back();
+        if (!has_type(element) && xmlFirstElementChild(element) != nullptr) {
+            failure(L"KEY '" + key + L"' names a group of values; file not changed");
+            return nullptr;
+        }
+        return element;
+    }
+    for (std::size_t depth = 0; depth < levels.size(); ++depth) {
+        xmlNode* next = nullptr;
+        bool value_in_way = false;
+        for (xmlNode* child = node->children; child != nullptr; child = child->next) {
+            if (is_level(child, levels[depth])) {
+                value_in_way = value_in_way || has_type(child);
+                next = has_type(child) ? next : child;
+            }
+        }
+        if (next == nullptr && value_in_way) {
+            failure(L"KEY '" + key + L"': level '" + velmor2::_internal::to_ustring(levels[depth]) +
+                    L"' holds a value; file not changed");
+            return nullptr;
+        }
+        node = next != nullptr ? next : append_element(node, levels[depth], depth);
+    }
+    return node;
+}
+
+// The document of an existing `file`, or a fresh one with the store's root element when there
+// is no such file; null, after a message, when it cannot be read.
+xmlDoc* open_document(const std::wstring& name, const velmor2::path_t& file) {
+    const int error = file_error(name);
+    if (error == ENOENT) {
+        xmlDoc* doc = xmlNewDoc(xml("1.0"));
+        xmlDocSetRootElement(doc, xmlNewDocNode(doc, nullptr, xml("root"), nullptr));
+        return doc;
+    }
+    xmlDoc* doc = error == 0 ? velmor2::open_xml_document(file) : nullptr;
+    if (doc == nullptr) {
+        report(L"config", name,
+               (error != 0 ? reason(error)
+                           : L"cannot be read (no access, not well-formed XML, or being written)") +
+                   L"; not changed");
+    }
+    return doc;
+}
+
+int set(const std::wstring& name, const velmor2::path_t& file, const std::wstring& key,
+        const std::wstring& text, velmor2::handler_base_t& handler) {
+    if (!is_unicode(key) || !is_unicode(text)) {
+        return failure(L"KEY and VALUE must be valid UTF-8; file not changed");
+    }
+    const std::vector<std::string> levels = key_levels(key);
+    if (levels.empty()) {
+        return failure(L"KEY '" + key +
+                       L"': each level must be an XML name without ':'; file not changed");
+    }
+    const document_t doc(open_document(name, file), &xmlFreeDoc);
+    xmlNode* element = doc ? value_element(doc.get(), key, levels) : nullptr;
+    if (element == nullptr) {
+        return exit_failed;
+    }
+    // The handler reads the value from the element's text as a load would.
+    velmor2::_internal::clear_element(element);
+    xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_utf8(text))));
+    const boost::any value = handler.load_value(element);
+    if (value.empty()) {
+        return usage_error(L"VALUE '" + text + L"' is not of type '" + handler.get_type_name() +
+                           L"'");
+    }
+    velmor2::_internal::clear_element(element);
+    xmlSetProp(element, xml("type"), xml(to_utf8(handler.get_type_name())));
+    handler.save_value(value, element);
+    if (!velmor2::_internal::is_loadable(element)) {
+        return failure(L"VALUE holds characters XML cannot keep, or KEY is nested too deep; file "
+                       L"not changed");
+    }
+    if (!velmor2::save_xml_document(file, doc.get())) {
+        report(L"config", name, L"cannot be written (no access, or in use)");
+        return exit_failed;
+    }
+    return exit_ok;
+}
+
+int read(const std::wstring& action, const std::wstring& name, const velmor2::path_t& file,
+         const std::wstring& key) {
+    const int error = file_error(name);
+    reporting_store_t store;
+    if (error != 0 || !store.load(file)) {
+        report(L"config", name,
+               error != 0 ? reason(error)
+                          : L"cannot be read (no access, not well-formed XML, or being written)");
+        return exit_failed;
+    }
+    if (action == L"list") {
+        std::vector<std::wstring> names;
+        store.get_names(names);
+        for (const std::wstring& each : names) {
+            const auto [type_name, text] = describe_value(store.get_value(each, boost::any()));
+            out(each + L"\t" + type_name + L"\t" + text + L"\n");
+        }
+        return exit_ok;
+    }
+    if (!store.has_value(key)) {
+        return failure(L"KEY '" + key + L"': not set");
+    }
+    out(describe_value(store.get_value(key, boost::any())).second + L"\n");
+    return exit_ok;
+}
+
 int run(const std::vector<std::wstring>& args) {
+    const handler_list_t handlers = text_handlers();
     std::vector<std::wstring> positional;
     std::wstring type = L"string";
     bool type_given = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == L"--type") {
-            if (i + 1 == args.size()) {
-                return usage_error(L"--type needs a type name");
-            }
-            type = args[++i];
+        if (args[i] == L"--type" && i + 1 == args.size()) {
+            return usage_error(L"--type needs a type name");
+        }
+        if (args[i] == L"--type" || args[i].rfind(L"--type=", 0) == 0) {
+            type = args[i] == L"--type" ? args[++i] : args[i].substr(7);
             type_given = true;
         } else {
             positional.push_back(args[i]);
@@ -99,7 +270,6 @@ int run(const std::vector<std::wstring>& args) {
     if (positional.size() < 2) {
         return usage_error(L"FILE and an action are required");
     }
-    const velmor2::path_t file = velmor2::make_path(positional[0]);
     const std::wstring& action = positional[1];
     const std::size_t wanted = action == L"list"  ? 2
                                : action == L"get" ? 3
@@ -114,48 +284,23 @@ int run(const std::vector<std::wstring>& args) {
     if (type_given && action != L"set") {
         return usage_error(L"--type applies to 'set' only");
     }
-    boost::any value;
-    if (action == L"set" && !make_value(type, positional[3], value)) {
-        return usage_error(L"VALUE '" + positional[3] + L"' is not of type '" + type + L"'");
+    velmor2::handler_base_t* handler = nullptr;
+    std::wstring known;
+    for (const auto& each : handlers) {
+        handler = handler != nullptr || each->get_type_name() != type ? handler : each.get();
+        known += (known.empty() ? L"" : L", ") + each->get_type_name();
     }
-
-    reporting_store_t store;
-    const bool exists = file.is_exists();
-    if (exists && !store.load(file)) {
-        err(L"velmor config: FILE '" + positional[0] +
-            L"': cannot be read (not well-formed XML, or being written)\n");
+    if (handler == nullptr) {
+        return usage_error(L"unknown type '" + type + L"'; known types: " + known);
+    }
+    const velmor2::path_t file = exact_path(L"config", positional[0]);
+    if (file.is_empty()) {
         return exit_failed;
     }
-    if (!exists && action != L"set") {
-        err(L"velmor config: FILE '" + positional[0] + L"': no such file\n");
-        return exit_failed;
+    if (action == L"set") {
+        return set(positional[0], file, positional[2], positional[3], *handler);
     }
-
-    if (action == L"list") {
-        std::vector<std::wstring> names;
-        store.get_names(names);
-        for (const std::wstring& name : names) {
-            const auto [type_name, text] = describe_value(store.get_value(name, boost::any()));
-            out(name + L"\t" + type_name + L"\t" + text + L"\n");
-        }
-        return exit_ok;
-    }
-    if (action == L"get") {
-        if (!store.has_value(positional[2])) {
-            err(L"velmor config: KEY '" + positional[2] + L"': not set\n");
-            return exit_failed;
-        }
-        out(describe_value(store.get_value(positional[2], boost::any())).second + L"\n");
-        return exit_ok;
-    }
-    store.set_value(positional[2], value);
-    if (!store.save(file)) {
-        err(L"velmor config: FILE '" + positional[0] +
-            L"': cannot be written (locked or no "
-            L"access)\n");
-        return exit_failed;
-    }
-    return store.skipped ? exit_failed : exit_ok;
+    return read(action, positional[0], file, wanted == 3 ? positional[2] : std::wstring());
 }
 
 const command_registrar_t registered(
@@ -164,10 +309,14 @@ const command_registrar_t registered(
      "       velmor config FILE get KEY\n"
      "       velmor config FILE set KEY VALUE [--type T]\n"
      "list prints one line per key: key, type and value separated by tabs. get prints the\n"
-     "value of KEY (keys are case-insensitive, levels separated by '.'). set stores VALUE under\n"
-     "KEY and saves the file, creating it if needed; T is one of bool, int, long, unsigned "
-     "long,\nunsigned short, unsigned int, float, double, string (the default) or path_t.\n"
-     "Exit status: 0 done, 1 the file or key could not be used, 2 bad usage.\n",
+     "value of KEY (keys are case-insensitive, levels separated by '.'). set changes the one\n"
+     "element of KEY in place, creating it and the levels above it when missing, and keeps\n"
+     "everything else in the file (comments, elements of other types, the root's name); it\n"
+     "creates FILE when there is none, never replaces a FILE that cannot be read, and changes\n"
+     "nothing when VALUE cannot be stored (not UTF-8, characters XML does not allow). T is\n"
+     "one of bool, int, long, unsigned long, unsigned short, unsigned int, float, double,\n"
+     "string (the default) or path_t; --type=T works too.\n"
+     "Exit status: 0 done, 1 the file, key or value could not be used, 2 bad usage.\n",
      run});
 
 } // namespace

@@ -1,41 +1,49 @@
 // velmor crc32: CRC-32 of files, printed as md5sum prints digests.
 #include "command.hpp"
 #include "file_arguments.hpp"
+#include "files.hpp"
 
-#include <velmor2/hash.hpp>
+#include "hash/crc32.hpp"
 
+#include <cstdint>
 #include <cwchar>
 
 namespace velmor_tool {
 namespace {
+
+class crc32_summary_t : public file_summary_t {
+  public:
+    void start() override { crc = 0xFFFFFFFFu; }
+    void take(const char* data, std::size_t size) override {
+        crc = velmor2::_internal::crc32_update(crc, reinterpret_cast<const std::uint8_t*>(data),
+                                               size);
+    }
+    std::wstring result() override {
+        wchar_t hex[9];
+        std::swprintf(hex, 9, L"%08lx", static_cast<unsigned long>(~crc & 0xFFFFFFFFu));
+        return hex;
+    }
+
+  private:
+    std::uint32_t crc = 0xFFFFFFFFu;
+};
 
 int run(const std::vector<std::wstring>& args) {
     std::vector<std::wstring> files;
     if (!file_arguments(L"crc32", args, files)) {
         return exit_usage;
     }
-    int status = exit_ok;
-    for (const std::wstring& file : files) {
-        const velmor2::path_t path(file);
-        // The hash cannot tell an unreadable file from an empty one: ask first.
-        if (!path.is_exists() || path.is_directory()) {
-            err(L"velmor crc32: " + file + L": cannot be read\n");
-            status = exit_failed;
-            continue;
-        }
-        wchar_t hex[9];
-        std::swprintf(hex, 9, L"%08lx", velmor2::generate_hash(path));
-        out(std::wstring(hex) + L"  " + file + L"\n");
-    }
-    return status;
+    crc32_summary_t summary;
+    return print_summaries(L"crc32", files, summary);
 }
 
 const command_registrar_t registered({"crc32", "print CRC-32 hashes of files",
-                                      "usage: velmor crc32 FILE...\n"
+                                      "usage: velmor crc32 [FILE]...\n"
                                       "Prints the CRC-32 of each FILE as 8 hexadecimal digits, "
                                       "two spaces and its\nname (the CRC of zlib and PNG; "
-                                      "\"123456789\" gives cbf43926). Exits with 1\nwhen a file "
-                                      "cannot be read.\n",
+                                      "\"123456789\" gives cbf43926), as md5sum prints\n"
+                                      "digests. With no FILE, or when FILE is -, reads standard "
+                                      "input. Exits with 1\nwhen a file cannot be read.\n",
                                       run});
 
 } // namespace

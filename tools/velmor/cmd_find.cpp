@@ -1,7 +1,10 @@
 // velmor find: the files under a directory whose names match a wildcard.
 #include "command.hpp"
+#include "files.hpp"
 
 #include <velmor2/file_system.hpp>
+
+#include <cerrno>
 
 namespace velmor_tool {
 namespace {
@@ -23,13 +26,13 @@ int run(const std::vector<std::wstring>& args) {
         err(L"usage: velmor find DIR PATTERN [-r]\n");
         return exit_usage;
     }
-    const velmor2::path_t dir(operands[0]);
+    const velmor2::path_t dir = exact_path(L"find", operands[0]);
     if (dir.is_empty()) {
-        err(L"velmor find: '" + operands[0] + L"' is not a path\n");
-        return exit_usage;
+        return exit_failed;
     }
-    if (!dir.is_directory()) {
-        err(L"velmor find: '" + operands[0] + L"' is not a directory\n");
+    const int error = file_error(operands[0]);
+    if (error != EISDIR) {
+        report(L"find", operands[0], reason(error != 0 ? error : ENOTDIR));
         return exit_failed;
     }
     for (const velmor2::path_t& file : velmor2::find_files(dir, operands[1], recursive)) {
@@ -45,7 +48,8 @@ const command_registrar_t registered(
      "characters, `?` any one; case-sensitive). With -r (--recursive), searches every\n"
      "sub-directory too, depth first, in the order the file system gives the entries.\n"
      "Directories are never listed and linked directories never entered.\n"
-     "Exit status: 0 searched (even with no match), 1 DIR is not a directory, 2 bad usage.\n",
+     "Exit status: 0 searched (even with no match), 1 DIR is not a directory (or a name the\n"
+     "library cannot take exactly), 2 bad usage.\n",
      run});
 
 } // namespace

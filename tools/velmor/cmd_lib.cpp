@@ -1,5 +1,6 @@
 // velmor lib: load a shared library and look a symbol up.
 #include "command.hpp"
+#include "files.hpp"
 
 #include <velmor2/runtime.hpp>
 
@@ -11,7 +12,10 @@ int run(const std::vector<std::wstring>& args) {
         err(L"usage: velmor lib FILE SYMBOL\n");
         return exit_usage;
     }
-    const velmor2::path_t file = velmor2::make_path(args[0]);
+    const velmor2::path_t file = exact_path(L"lib", args[0]);
+    if (file.is_empty()) {
+        return exit_failed;
+    }
     if (file.get_leaf().empty()) {
         err(L"velmor lib: FILE '" + args[0] + L"' does not name a file\n");
         return exit_usage;

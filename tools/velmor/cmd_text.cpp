@@ -2,31 +2,41 @@
 #include "code_page_name.hpp"
 #include "command.hpp"
 #include "file_arguments.hpp"
-#include "text/encode.hpp"
+#include "files.hpp"
 
 #include <velmor2/text_file.hpp>
 
+#include "text/detect.hpp"
+#include "text/encode.hpp"
+
+#include <cerrno>
 #include <cstdio>
 
 namespace velmor_tool {
 namespace {
+
+class code_page_summary_t : public file_summary_t {
+  public:
+    void start() override { bytes.clear(); }
+    void take(const char* data, std::size_t size) override { bytes.append(data, size); }
+    std::wstring result() override {
+        // An empty file holds no character that would need another encoding.
+        return code_page_name(
+            bytes.empty() ? velmor2::cp_ansi
+                          : velmor2::_internal::detect_code_page(bytes.data(), bytes.size()));
+    }
+
+  private:
+    std::string bytes;
+};
 
 int detect(const std::vector<std::wstring>& args) {
     std::vector<std::wstring> files;
     if (!file_arguments(L"text detect", args, files)) {
         return exit_usage;
     }
-    int status = exit_ok;
-    for (const std::wstring& file : files) {
-        const velmor2::code_page_t cp = velmor2::get_file_cp(velmor2::path_t(file));
-        if (cp == velmor2::cp_unknown) {
-            err(L"velmor text detect: " + file + L": cannot be read\n");
-            status = exit_failed;
-            continue;
-        }
-        out(std::wstring(code_page_name(cp)) + L"  " + file + L"\n");
-    }
-    return status;
+    code_page_summary_t summary;
+    return print_summaries(L"text detect", files, summary);
 }
 
 int usage_error(const std::wstring& message) {
@@ -69,10 +79,19 @@ int convert(const std::vector<std::wstring>& args) {
     if (have_output && output.empty()) {
         return usage_error(L"-o needs a file name");
     }
-    const velmor2::path_t source(file);
+    // The library says only that it cannot read a file: the reason comes from the system.
+    const int error = file_error(file);
+    if (error != 0) {
+        report(L"text convert", file, reason(error));
+        return exit_failed;
+    }
+    const velmor2::path_t source = exact_path(L"text convert", file);
+    if (source.is_empty()) {
+        return exit_failed;
+    }
     const velmor2::code_page_t from = velmor2::get_file_cp(source);
     if (from == velmor2::cp_unknown) {
-        err(L"velmor text convert: " + file + L": cannot be read\n");
+        report(L"text convert", file, L"cannot be read");
         return exit_failed;
     }
     std::wstring text = velmor2::get_file_content(from, source);
@@ -80,16 +99,15 @@ int convert(const std::vector<std::wstring>& args) {
     if (!text.empty() && text[0] == L'\uFEFF') {
         text.erase(0, 1);
     }
-    if (have_output) {
-        if (!velmor2::set_file_content(text, to, velmor2::path_t(output))) {
-            err(L"velmor text convert: " + output + L": cannot be written\n");
-            return exit_failed;
-        }
-        return exit_ok;
-    }
     const std::string bytes = velmor2::_internal::encode_text(text, to);
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-    return std::fflush(stdout) == 0 ? exit_ok : exit_failed;
+    if (have_output && !write_file(output, bytes)) {
+        report(L"text convert", output, reason(errno));
+        return exit_failed;
+    }
+    if (!have_output) {
+        std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    }
+    return exit_ok;
 }
 
 int run(const std::vector<std::wstring>& args) {
@@ -110,11 +128,12 @@ int run(const std::vector<std::wstring>& args) {
 
 const command_registrar_t registered(
     {"text", "detect and convert the encoding of text files",
-     "usage: velmor text detect FILE...\n"
+     "usage: velmor text detect [FILE]...\n"
      "       velmor text convert FILE --to utf8|utf16|ansi [-o OUT]\n"
      "detect prints the encoding of each FILE (utf8, utf16 or ansi), two spaces and its\n"
      "name: utf16 when it starts with FF FE, utf8 when its bytes are valid UTF-8, ansi\n"
-     "otherwise. convert reads FILE in its detected encoding and writes it in the one\n"
+     "otherwise (an empty file is ansi); with no FILE, or when FILE is -, reads standard\n"
+     "input. convert reads FILE in its detected encoding and writes it in the one\n"
      "given, to OUT or to standard output; utf16 output starts with FF FE, utf8 output\n"
      "has no mark. The text ends at the first zero character of FILE.\n",
      run});

@@ -49,10 +49,16 @@ int run(const std::vector<std::wstring>& args) {
     out(L"velmor tour: what a desktop tool does at start-up\n");
 
     step(1, L"Locate the per-user configuration file (company Norvane, product velmor-tour)");
+    // Without a per-user folder the locator would build a relative path: the working directory.
+    const velmor2::path_t folder = velmor2::stdpaths::get_user_config_dir(std::wstring());
+    if (folder.is_empty() || !folder.is_absolute()) {
+        err(L"velmor tour: no per-user configuration folder is available\n");
+        return exit_failed;
+    }
     const velmor2::config_manager_t manager(velmor2::stdpaths::get_executable_dir().as_string(),
                                             product);
     const velmor2::path_t file = manager.user_config(L"settings");
-    if (file.is_empty()) {
+    if (!file.is_absolute()) {
         err(L"velmor tour: no per-user configuration folder is available\n");
         return exit_failed;
     }
@@ -67,7 +73,9 @@ int run(const std::vector<std::wstring>& args) {
         store.get_names(names);
         out(L"   loaded " + std::to_wstring(names.size()) + L" values\n");
     } else {
-        out(L"   unreadable (not well-formed, or being written): starting empty\n");
+        err(L"velmor tour: '" + file.as_native_string() +
+            L"' cannot be read (not well-formed, or being written); left as it is\n");
+        return exit_failed;
     }
 
     step(3, L"Count this run and record when and where it ran");
@@ -131,7 +139,9 @@ const command_registrar_t registered(
      "velmor-tour; the folder is created), loads it or starts empty, counts the run, records\n"
      "the time and host, prints the values with their types, saves the file, hashes it with\n"
      "MD5 and CRC-32 and detects its encoding. Writes nothing outside the user's\n"
-     "configuration folder. Exit status: 0 done, 1 the file could not be written.\n",
+     "configuration folder, and stops, changing nothing, when there is no such folder or the\n"
+     "file exists but cannot be read. Exit status: 0 done, 1 the file could not be read or\n"
+     "written.\n",
      run});
 
 } // namespace

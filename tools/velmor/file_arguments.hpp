@@ -3,30 +3,36 @@
 
 #include "command.hpp"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 namespace velmor_tool {
 
 /// The file names of `args`: everything after `--`, and before it every argument that is not
-/// an option. False, after reporting on standard error, when an option is given or no file.
+/// an option ("-" names standard input); with none, "-". The options of `flags` that are given
+/// go to `given`. False, after reporting on standard error, when another option is given.
 inline bool file_arguments(const wchar_t* command, const std::vector<std::wstring>& args,
-                           std::vector<std::wstring>& files) {
+                           std::vector<std::wstring>& files,
+                           const std::vector<std::wstring>& flags = {},
+                           std::vector<std::wstring>* given = nullptr) {
     bool options = true;
     for (const std::wstring& arg : args) {
         if (options && arg == L"--") {
             options = false;
+        } else if (options && given != nullptr &&
+                   std::find(flags.begin(), flags.end(), arg) != flags.end()) {
+            given->push_back(arg);
         } else if (options && arg.size() > 1 && arg[0] == L'-') {
-            err(std::wstring(L"velmor ") + command + L": unknown option '" + arg + L"'\n");
+            err(std::wstring(L"velmor ") + command + L": unknown option '" + arg +
+                L"' (see velmor " + command + L" --help)\n");
             return false;
         } else {
             files.push_back(arg);
         }
     }
     if (files.empty()) {
-        err(std::wstring(L"velmor ") + command + L": no FILE given (see velmor " + command +
-            L" --help)\n");
-        return false;
+        files.push_back(L"-");
     }
     return true;
 }

@@ -1,9 +1,12 @@
 // velmor: the library's families from the shell.
 #include "command.hpp"
+#include "files.hpp"
+#include "native_text.hpp"
 
 #include "text/convert.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 #if defined(_WIN32)
@@ -20,22 +23,42 @@ std::vector<command_t>& registry() {
     return list;
 }
 
+// The first error writing standard output; reported once, when the command is done.
+int output_error = 0;
+
 void write(std::FILE* stream, const std::wstring& text) {
-    const std::string bytes = velmor2::_internal::to_utf8(text);
-    std::fwrite(bytes.data(), 1, bytes.size(), stream);
+    const std::string bytes = to_bytes(text);
+    if (std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size() && stream == stdout &&
+        output_error == 0) {
+        output_error = errno;
+    }
 }
 
-void print_help() {
-    out(L"usage: velmor COMMAND [ARGS...]\n       velmor COMMAND --help\n\ncommands:\n");
+// `status`, or `exit_failed` after a message when standard output could not be written.
+int finish(const std::wstring& command, int status) {
+    if (std::fflush(stdout) != 0 && output_error == 0) {
+        output_error = errno;
+    }
+    if (output_error == 0 && !std::ferror(stdout)) {
+        return status;
+    }
+    err(command + L": write error" + (output_error != 0 ? L": " + reason(output_error) : L"") +
+        L"\n");
+    return exit_failed;
+}
+
+void print_help(void (*print)(const std::wstring&)) {
+    print(L"usage: velmor COMMAND [ARGS...]\n       velmor COMMAND --help\n\ncommands:\n");
     for (const command_t& command : commands()) {
         std::wstring name = velmor2::_internal::to_ustring(command.name);
         name.resize(std::max<std::size_t>(name.size(), 8), L' ');
-        out(L"  " + name + L"  " + velmor2::_internal::to_ustring(command.summary) + L"\n");
+        print(L"  " + name + L"  " + velmor2::_internal::to_ustring(command.summary) + L"\n");
     }
 }
 
 // The arguments after the program name. Windows hands argv over in the ANSI code page, which
-// loses characters, so there they come from the wide command line; elsewhere argv is UTF-8.
+// loses characters, so there they come from the wide command line; elsewhere argv holds bytes,
+// UTF-8 as a rule, and any other byte is kept so that file names stay exact.
 std::vector<std::wstring> arguments(int argc, char** argv) {
     std::vector<std::wstring> args;
 #if defined(_WIN32)
@@ -49,7 +72,7 @@ std::vector<std::wstring> arguments(int argc, char** argv) {
     }
 #endif
     for (int i = 1; i < argc; ++i) {
-        args.push_back(velmor2::_internal::to_ustring(argv[i]));
+        args.push_back(from_bytes(argv[i]));
     }
     return args;
 }
@@ -78,23 +101,24 @@ int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     std::vector<std::wstring> args = arguments(argc, argv);
     if (args.empty()) {
-        print_help();
+        print_help(err);
         return exit_usage;
     }
     if (args[0] == L"--help" || args[0] == L"-h" || args[0] == L"help") {
-        print_help();
-        return exit_ok;
+        print_help(out);
+        return finish(L"velmor", exit_ok);
     }
     for (const command_t& command : commands()) {
-        if (velmor2::_internal::to_ustring(command.name) != args[0]) {
+        const std::wstring name = velmor2::_internal::to_ustring(command.name);
+        if (name != args[0]) {
             continue;
         }
         args.erase(args.begin());
         if (!args.empty() && (args[0] == L"--help" || args[0] == L"-h")) {
             out(velmor2::_internal::to_ustring(command.usage));
-            return exit_ok;
+            return finish(L"velmor " + name, exit_ok);
         }
-        return command.run(args);
+        return finish(L"velmor " + name, command.run(args));
     }
     err(L"velmor: unknown command '" + args[0] + L"' (see velmor --help)\n");
     return exit_usage;
