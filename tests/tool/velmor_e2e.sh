@@ -123,6 +123,13 @@ expect 1 '' $'velmor config: bad.xml: cannot be read (no access, not well-formed
   'velmor config bad.xml set a 1; s=$?; cmp -s bad.xml <(printf "<broken") && exit $s'
 expect 1 '' $'velmor config: nofile.xml: No such file or directory\n' 'velmor config nofile.xml list'
 
+# watch prints the keys another process changes and ends with status 0 on SIGINT.
+expect 0 $'a\tint\t5\nb\t(removed)\n' '' \
+  'velmor config w.xml set b 1 >/dev/null && { velmor config w.xml watch & } &&
+   sleep 1 && velmor config w.xml set a 5 --type int && sleep 0.3 &&
+   printf "<root><a type=\"int\">5</a></root>" >w.tmp && mv w.tmp w.xml && sleep 0.3 &&
+   kill -INT %1 && wait %1'
+
 # tour writes only into the user's configuration folder.
 mkdir tour && cd tour || exit 1
 expect 1 'velmor tour: what a desktop tool does at start-up*' \

@@ -1,5 +1,6 @@
 // velmor config: list, read and change the values of a configuration file.
 #include "command.hpp"
+#include "config_watch.hpp"
 #include "files.hpp"
 #include "native_text.hpp"
 #include "value_text.hpp"
@@ -235,6 +236,9 @@ int read(const std::wstring& action, const std::wstring& name, const velmor2::pa
                           : L"cannot be read (no access, not well-formed XML, or being written)");
         return exit_failed;
     }
+    if (action == L"watch") {
+        return watch_changes(store, name, file);
+    }
     if (action == L"list") {
         std::vector<std::wstring> names;
         store.get_names(names);
@@ -271,10 +275,10 @@ int run(const std::vector<std::wstring>& args) {
         return usage_error(L"FILE and an action are required");
     }
     const std::wstring& action = positional[1];
-    const std::size_t wanted = action == L"list"  ? 2
-                               : action == L"get" ? 3
-                               : action == L"set" ? 4
-                                                  : 0;
+    const std::size_t wanted = action == L"list" || action == L"watch" ? 2
+                               : action == L"get"                      ? 3
+                               : action == L"set"                      ? 4
+                                                                       : 0;
     if (wanted == 0) {
         return usage_error(L"unknown action '" + action + L"'");
     }
@@ -308,6 +312,7 @@ const command_registrar_t registered(
      "usage: velmor config FILE list\n"
      "       velmor config FILE get KEY\n"
      "       velmor config FILE set KEY VALUE [--type T]\n"
+     "       velmor config FILE watch\n"
      "list prints one line per key: key, type and value separated by tabs. get prints the\n"
      "value of KEY (keys are case-insensitive, levels separated by '.'). set changes the one\n"
      "element of KEY in place, creating it and the levels above it when missing, and keeps\n"
@@ -315,8 +320,11 @@ const command_registrar_t registered(
      "creates FILE when there is none, never replaces a FILE that cannot be read, and changes\n"
      "nothing when VALUE cannot be stored (not UTF-8, characters XML does not allow). T is\n"
      "one of bool, int, long, unsigned long, unsigned short, unsigned int, float, double,\n"
-     "string (the default) or path_t; --type=T works too.\n"
-     "Exit status: 0 done, 1 the file, key or value could not be used, 2 bad usage.\n",
+     "string (the default) or path_t; --type=T works too. watch prints a line as list does\n"
+     "for each key that other programs change as they save FILE (\"(removed)\" for a key that\n"
+     "went), until interrupted.\n"
+     "Exit status: 0 done (watch: interrupted), 1 the file, key or value could not be used,\n"
+     "2 bad usage.\n",
      run});
 
 } // namespace
