@@ -24,6 +24,11 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name) {
     return found;
 }
 
+void add_text_child(xmlNode* node, const char* name, const std::wstring& text) {
+    xmlNewTextChild(node, nullptr, reinterpret_cast<const xmlChar*>(name),
+                    reinterpret_cast<const xmlChar*>(to_utf8(text).c_str()));
+}
+
 void append_utf8(const std::wstring& text, std::string& out) {
     const std::size_t start = out.size();
     out.resize(start + text.size());
