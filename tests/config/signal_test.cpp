@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -159,6 +160,42 @@ TEST(signal, signal_destroyed_in_a_nested_emission_ends_both) {
     EXPECT_EQ(signal, nullptr);
     // outer:0 emits 1 inside, whose last call ends it all: nothing more of the outer emission.
     EXPECT_EQ(log, (log_t{"outer:0", "outer:1", "middle/other:1", "last:1"}));
+}
+
+TEST(signal, a_throwing_callback_leaves_the_signal_whole) {
+    log_t log;
+    auto signal = std::make_unique<int_signal_t>();
+    listener_t a("a", log), b("b", log), c("c", log);
+    auto* dying = new listener_t("dying", log);
+    b.then = [&](int value) {
+        if (value == 1) {
+            throw value;
+        }
+        if (value == 2) {
+            (*signal)(1);
+        }
+        if (value == 3) {
+            signal.reset();
+            throw value;
+        }
+    };
+    signal->connect(&a, &listener_t::on_event);
+    signal->connect(dying, &listener_t::destroy_self);
+    signal->connect(&b, &listener_t::on_event);
+    signal->connect(&c, &listener_t::on_event);
+    // Thrown directly, and from a nested emission; the dead entry goes either way.
+    EXPECT_THROW((*signal)(1), int);
+    EXPECT_THROW((*signal)(2), int);
+    EXPECT_EQ(signal->connection_count(), 3u);
+    // The lock is free: another thread connects without waiting for anything.
+    listener_t d("d", log);
+    std::thread([&] { signal->connect(&d, &listener_t::on_event); }).join();
+    log.clear();
+    (*signal)(4);
+    EXPECT_EQ(log, (log_t{"a:4", "b:4", "c:4", "d:4"}));
+    // A callback destroys the signal, then throws: the lock is freed all the same.
+    EXPECT_THROW((*signal)(3), int);
+    EXPECT_EQ(signal, nullptr);
 }
 
 TEST(signal, connection_made_during_an_emission_is_reached_by_it) {
