@@ -28,9 +28,8 @@ struct store_t : velmor2::advanced_xml_config_t {
     }
 };
 
-// Growth of the peak resident memory since `start_peak` was called, in bytes; 0 where the
-// system does not tell.
-#if defined(__linux__)
+// Growth of the peak resident memory since `start_peak()`, in bytes; 0 where the system does
+// not tell.
 long resident_kib(const char* field) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -44,17 +43,6 @@ long start_peak() {
     std::ofstream("/proc/self/clear_refs") << "5";
     return resident_kib("VmRSS:");
 }
-long peak_growth(long start) {
-    return (resident_kib("VmHWM:") - start) * 1024;
-}
-#else
-long start_peak() {
-    return 0;
-}
-long peak_growth(long) {
-    return 0;
-}
-#endif
 
 TEST(config_limits, values_at_the_parser_limits_load_back_and_past_them_are_reported) {
     struct case_t {
@@ -164,7 +152,7 @@ TEST(config_limits, hostile_entities_are_refused_within_a_memory_bound_and_silen
         testing::internal::CaptureStderr();
         EXPECT_EQ(store.load(dir.path("f.xml")), c.loads);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-        EXPECT_LT(peak_growth(start), 256L << 20);
+        EXPECT_LT((resident_kib("VmHWM:") - start) * 1024, 256L << 20);
         EXPECT_EQ(store.has_value(L"kept"), !c.loads);
         if (c.loads) {
             EXPECT_EQ(boost::any_cast<std::wstring>(store.get_value(L"s", 0)).size(), 9000000u);

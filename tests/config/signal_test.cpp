@@ -50,20 +50,6 @@ TEST(signal, same_member_of_same_object_connects_once) {
     EXPECT_EQ(log, (log_t{"a:7", "a/other:7"}));
 }
 
-TEST(signal, passes_every_argument_to_each_connection) {
-    signal_t<const std::wstring&, int> signal;
-    struct pair_listener_t : subscriber_base_t {
-        std::wstring seen;
-        void on(const std::wstring& text, int value) { seen += text + std::to_wstring(value); }
-    } first, second;
-    signal.connect(&first, &pair_listener_t::on);
-    signal.connect(&second, &pair_listener_t::on);
-    signal(L"key", 3);
-    signal(L"!", 4);
-    EXPECT_EQ(first.seen, L"key3!4");
-    EXPECT_EQ(second.seen, L"key3!4");
-}
-
 TEST(signal, copy_calls_the_same_connections_and_assignment_appends_the_missing_ones) {
     log_t log;
     listener_t a("a", log), b("b", log), c("c", log);
