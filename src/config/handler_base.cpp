@@ -3,6 +3,7 @@
 
 #include "config/handler_scope.hpp"
 #include "config/node_text.hpp"
+#include "config/xml_check.hpp"
 #include "config/xml_quiet.hpp"
 #include "config/xpath.hpp"
 #include "text/convert.hpp"
@@ -58,7 +59,7 @@ void handler_base_t::set_node_content(xmlNode* node, const std::wstring& text) c
     if (node == nullptr) {
         return;
     }
-    const std::string utf8 = to_utf8(text);
+    const std::string utf8 = _internal::to_xml_utf8(text);
     xmlNodeAddContentLen(node, xml_text(utf8), static_cast<int>(utf8.size()));
 }
 
@@ -103,7 +104,7 @@ void handler_base_t::set_attribute(xmlNode* node, const std::wstring& name,
     if (node == nullptr) {
         return;
     }
-    xmlSetProp(node, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
+    xmlSetProp(node, xml_text(to_utf8(name)), xml_text(_internal::to_xml_utf8(value)));
 }
 
 boost::any handler_base_t::get_any_property(xmlNode* node, const std::wstring& name,

@@ -1,6 +1,7 @@
 // The path handler and the registration of the built-in handlers.
 #include "config/handlers_internal.hpp"
 
+#include "config/xml_check.hpp"
 #include "text/convert.hpp"
 
 #include <cstdint>
@@ -26,7 +27,7 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name) {
 
 void add_text_child(xmlNode* node, const char* name, const std::wstring& text) {
     xmlNewTextChild(node, nullptr, reinterpret_cast<const xmlChar*>(name),
-                    reinterpret_cast<const xmlChar*>(to_utf8(text).c_str()));
+                    reinterpret_cast<const xmlChar*>(to_xml_utf8(text).c_str()));
 }
 
 void append_utf8(const std::wstring& text, std::string& out) {

@@ -171,12 +171,13 @@ bool is_loadable(const xmlNode* element, std::size_t above) {
            content_loadable(element, depth);
 }
 
-void clear_element(xmlNode* element) {
-    xmlFreePropList(element->properties);
-    element->properties = nullptr;
-    xmlFreeNodeList(element->children);
-    element->children = nullptr;
-    element->last = nullptr;
+std::string to_xml_utf8(const std::wstring& text) {
+    std::string utf8 = to_utf8(text);
+    for (std::size_t zero = utf8.find('\0'); zero != std::string::npos;
+         zero = utf8.find('\0', zero)) {
+        utf8.replace(zero, 1, "\xEF\xBF\xBF");
+    }
+    return utf8;
 }
 
 } // namespace velmor2::_internal

@@ -3,6 +3,7 @@
 
 #include <libxml/tree.h>
 
+#include <string>
 #include <string_view>
 
 namespace velmor2::_internal {
@@ -39,7 +40,9 @@ bool is_loadable(const xmlNode* element, std::size_t above = 0);
 /// and is at most `max_text_bytes` long.
 bool is_xml_text(const char* text);
 
-/// Removes the attributes and content of `element`, leaving an empty group element.
-void clear_element(xmlNode* element);
+/// The UTF-8 form of `text` for libxml2, which ends text at a zero byte: a zero character
+/// becomes U+FFFF, which `is_loadable` refuses, so that a save reports the value rather than
+/// write it cut short.
+std::string to_xml_utf8(const std::wstring& text);
 
 } // namespace velmor2::_internal

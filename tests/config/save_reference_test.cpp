@@ -1,6 +1,7 @@
 // The file a save writes, compared byte for byte with a document built the plain way: one
-// XPath query per key prefix from the root, every value written by its handler into a libxml2
-// element, the whole tree written by save_xml_document. The save takes shortcuts (its own
+// XPath query per key prefix from the root (a key below a value element is reported), every
+// value written by its handler into a libxml2 element, the whole tree written by
+// save_xml_document. The save takes shortcuts (its own
 // element index, values written as text without a libxml2 node, its own output); whatever the
 // keys and values, the bytes and the reported failures must be the same.
 #include <velmor2/configuration.hpp>
@@ -95,7 +96,11 @@ class reference_t {
                 store.report(key, value.type());
                 continue;
             }
-            xmlNode* element = find_or_create(root, pieces);
+            bool inside = false;
+            xmlNode* element = find_or_create(root, pieces, inside);
+            if (inside) {
+                store.report(key, value.type());
+            }
             if (pieces.empty() || element == nullptr) {
                 continue;
             }
@@ -114,7 +119,11 @@ class reference_t {
                 (*handler)->save_value(value, element);
             }
             if (!velmor2::_internal::is_loadable(element)) {
-                velmor2::_internal::clear_element(element);
+                // Left as an empty group.
+                xmlFreePropList(element->properties);
+                element->properties = nullptr;
+                xmlFreeNodeList(element->children);
+                element->children = element->last = nullptr;
                 store.report(key, value.type());
             }
         }
@@ -135,8 +144,10 @@ class reference_t {
         return true;
     }
 
-    // The new element of the pieces, or null when it exists.
-    static xmlNode* find_or_create(xmlNode* root, const std::vector<std::string>& pieces) {
+    // The new element of the pieces, or null when it exists or lies below a value element
+    // (`inside` then set).
+    static xmlNode* find_or_create(xmlNode* root, const std::vector<std::string>& pieces,
+                                   bool& inside) {
         xmlNode* current = root;
         std::string expression;
         for (std::size_t i = 0; i < pieces.size(); ++i) {
@@ -150,6 +161,10 @@ class reference_t {
                 return current;
             }
             current = found.front();
+            if (xmlHasProp(current, BAD_CAST "type") != nullptr) {
+                inside = true;
+                return nullptr;
+            }
         }
         return nullptr;
     }
