@@ -1,8 +1,8 @@
 // Saving a store to its XML file.
 //
 // Keys are written in ascending order, each as the element path of its "."-separated pieces.
-// A key with a piece that is not an XML name, a key below one that holds a value, a value with
-// no handler, and a value whose written content would not read back are reported to
+// A key with a piece that is not an XML name, a key below one that holds a value or whose
+// element another key made (`x..y` after `x.y`), a value with no handler, and a value whose written content would not read back are reported to
 // on_save_value_failed and left out, so a save never produces a file that load rejects or that
 // loads other values.
 #include <velmor2/configuration.hpp>
@@ -87,12 +87,9 @@ bool advanced_xml_config_t::save(const path_t& file) {
         if (pieces.empty()) {
             continue;
         }
-        const _internal::save_tree_t::place_t place = tree.make_element(pieces);
-        if (place.inside_value) {
+        const _internal::save_tree_t::id_t node = tree.make_element(pieces);
+        if (node == _internal::save_tree_t::none) {
             on_save_value_failed(key, value.type());
-            continue;
-        }
-        if (place.node == _internal::save_tree_t::none) {
             continue;
         }
         auto handler = known.find(value.type());
@@ -115,19 +112,19 @@ bool advanced_xml_config_t::save(const path_t& file) {
         if (writer.text_writer != nullptr) {
             text.clear();
             writer.text_writer->append_text(value, text);
-            if (!tree.set_text(place.node, &writer.type_name, text)) {
+            if (!tree.set_text(node, &writer.type_name, text)) {
                 on_save_value_failed(key, value.type());
             }
             continue;
         }
-        xmlNode* element = tree.make_value_element(place.node);
+        xmlNode* element = tree.make_value_element(node);
         xmlSetProp(element, BAD_CAST "type", BAD_CAST writer.type_name.c_str());
         {
             _internal::handler_scope_t scope(*writer.handler, this);
             writer.handler->save_value(value, element);
         }
-        if (!_internal::is_loadable(element, tree.depth_of(place.node))) {
-            tree.clear_value(place.node);
+        if (!_internal::is_loadable(element, tree.depth_of(node))) {
+            tree.clear_value(node);
             on_save_value_failed(key, value.type());
         }
     }

@@ -37,7 +37,7 @@ void append_utf8(const std::wstring& text, std::string& out) {
     for (const wchar_t c : text) {
         if (static_cast<std::uint32_t>(c) >= 0x80) {
             out.resize(start);
-            out += to_utf8(text);
+            out += to_xml_utf8(text);
             return;
         }
         *p++ = static_cast<char>(c);

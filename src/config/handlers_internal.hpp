@@ -24,8 +24,8 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name);
 /// so that it reads back unchanged whatever characters it holds.
 void add_text_child(xmlNode* node, const char* name, const std::wstring& text);
 
-/// Appends the UTF-8 form of `text` to `out` (what `to_utf8` gives, without a conversion pass
-/// when the text is ASCII).
+/// Appends the UTF-8 form of `text` to `out` (what `to_xml_utf8` gives, without a conversion
+/// pass when the text is ASCII).
 void append_utf8(const std::wstring& text, std::string& out);
 
 /// A handler whose `save_value` only appends text to the element: a save can take that text

@@ -104,11 +104,11 @@ save_tree_t::id_t save_tree_t::add_child(id_t parent, std::string_view name, std
     return id;
 }
 
-save_tree_t::place_t save_tree_t::make_element(const std::vector<std::string_view>& pieces) {
+save_tree_t::id_t save_tree_t::make_element(const std::vector<std::string_view>& pieces) {
     id_t current = 0;
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         if (nodes[current].written) {
-            return place_t{none, true};
+            return none;
         }
         // Sorted keys mostly continue below the child made last.
         id_t child = nodes[current].last_child;
@@ -120,12 +120,12 @@ save_tree_t::place_t save_tree_t::make_element(const std::vector<std::string_vie
                 while (++i < pieces.size()) {
                     current = add_child(current, pieces[i], hash_of(current, pieces[i]));
                 }
-                return place_t{current, false};
+                return current;
             }
         }
         current = child;
     }
-    return place_t{none, nodes[current].written};
+    return none;
 }
 
 bool save_tree_t::set_text(id_t id, const std::string* type_name, const std::string& text) {

@@ -23,20 +23,12 @@ namespace velmor2::_internal {
 /// miss. Groups hold only children the save created, one per name, so an index from (parent,
 /// name) gives that first node at once. A key below one that holds a value gets no element:
 /// written into the value's element it would change the value (a text value would gain the
-/// indentation around it) and would never be read.
+/// indentation around it) and would never be read. Neither does a key whose element exists.
 class save_tree_t {
   public:
     /// Index of a node; `none` for no node.
     using id_t = std::uint32_t;
     static constexpr id_t none = UINT32_MAX;
-
-    /// Where the element of a new key went.
-    struct place_t {
-        /// The new node; `none` when the key's element exists or lies inside a value.
-        id_t node = none;
-        /// True when the key lies below a key that holds a value.
-        bool inside_value = false;
-    };
 
     /// An empty tree expecting about `key_count` keys.
     explicit save_tree_t(std::size_t key_count);
@@ -46,8 +38,8 @@ class save_tree_t {
     save_tree_t& operator=(const save_tree_t&) = delete;
 
     /// The new element of `pieces` (valid XML names, UTF-8), created with every missing
-    /// ancestor.
-    place_t make_element(const std::vector<std::string_view>& pieces);
+    /// ancestor; `none` when the element exists already (another key's) or lies below a value.
+    id_t make_element(const std::vector<std::string_view>& pieces);
 
     /// Makes `node` a value holding `type_name` and the UTF-8 `text` (nothing when empty).
     /// When the text cannot go into XML, leaves `node` a group and returns false.

@@ -3,6 +3,7 @@
 #include "text/convert.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace velmor2::_internal {
@@ -172,6 +173,16 @@ bool is_loadable(const xmlNode* element, std::size_t above) {
 }
 
 std::string to_xml_utf8(const std::wstring& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<std::uint32_t>(text[i]);
+        const bool paired = sizeof(wchar_t) == 2 && c >= 0xD800 && c <= 0xDBFF &&
+                            i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        if (paired) {
+            ++i;
+        } else if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) {
+            return "\xEF\xBF\xBF";
+        }
+    }
     std::string utf8 = to_utf8(text);
     for (std::size_t zero = utf8.find('\0'); zero != std::string::npos;
          zero = utf8.find('\0', zero)) {

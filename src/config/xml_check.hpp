@@ -40,9 +40,10 @@ bool is_loadable(const xmlNode* element, std::size_t above = 0);
 /// and is at most `max_text_bytes` long.
 bool is_xml_text(const char* text);
 
-/// The UTF-8 form of `text` for libxml2, which ends text at a zero byte: a zero character
-/// becomes U+FFFF, which `is_loadable` refuses, so that a save reports the value rather than
-/// write it cut short.
+/// The UTF-8 form of `text` for libxml2, where a value that cannot be written as it is gets
+/// U+FFFF, which `is_loadable` refuses, so that a save reports it rather than write another
+/// text: a zero character (libxml2 ends text there) becomes U+FFFF, and a character without a
+/// UTF-8 form (a lone surrogate, which `to_utf8` would make U+FFFD) makes all of it U+FFFF.
 std::string to_xml_utf8(const std::wstring& text);
 
 } // namespace velmor2::_internal

@@ -96,12 +96,12 @@ class reference_t {
                 store.report(key, value.type());
                 continue;
             }
-            bool inside = false;
-            xmlNode* element = find_or_create(root, pieces, inside);
-            if (inside) {
-                store.report(key, value.type());
+            if (pieces.empty()) {
+                continue;
             }
-            if (pieces.empty() || element == nullptr) {
+            xmlNode* element = find_or_create(root, pieces);
+            if (element == nullptr) {
+                store.report(key, value.type());
                 continue;
             }
             const auto handler =
@@ -144,10 +144,8 @@ class reference_t {
         return true;
     }
 
-    // The new element of the pieces, or null when it exists or lies below a value element
-    // (`inside` then set).
-    static xmlNode* find_or_create(xmlNode* root, const std::vector<std::string>& pieces,
-                                   bool& inside) {
+    // The new element of the pieces, or null when it exists or lies below a value element.
+    static xmlNode* find_or_create(xmlNode* root, const std::vector<std::string>& pieces) {
         xmlNode* current = root;
         std::string expression;
         for (std::size_t i = 0; i < pieces.size(); ++i) {
@@ -162,7 +160,6 @@ class reference_t {
             }
             current = found.front();
             if (xmlHasProp(current, BAD_CAST "type") != nullptr) {
-                inside = true;
                 return nullptr;
             }
         }
