@@ -25,11 +25,13 @@ int create_beside(const std::wstring& target, std::wstring& name) {
         name = folder + L"." + base + L"." + std::to_wstring(GetCurrentProcessId()) + L"-" +
                std::to_wstring(counter++) + L".tmp";
         int descriptor = -1;
-        if (_wsopen_s(&descriptor, name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL, _SH_DENYRW,
-                      _S_IREAD | _S_IWRITE) == 0) {
+        const int error = _wsopen_s(&descriptor, name.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL,
+                                    _SH_DENYRW, _S_IREAD | _S_IWRITE);
+        if (error == 0) {
             return descriptor;
         }
-        if (errno != EEXIST) {
+        if (error != EEXIST) {
+            errno = error;
             return -1;
         }
     }
@@ -64,8 +66,9 @@ void close_xml_file(int descriptor) {
 
 bool replace_xml_file(const std::wstring& printed, const std::string& text) {
     int held = -1;
-    const bool exists = _wsopen_s(&held, printed.c_str(), _O_WRONLY, _SH_DENYRW, 0) == 0;
-    if (!exists && errno != ENOENT) {
+    const int opened = _wsopen_s(&held, printed.c_str(), _O_WRONLY, _SH_DENYRW, 0);
+    const bool exists = opened == 0;
+    if (!exists && opened != ENOENT) {
         return false;
     }
     std::wstring staged_name;
