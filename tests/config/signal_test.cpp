@@ -194,17 +194,4 @@ TEST(signal, connection_made_during_an_emission_is_reached_by_it) {
     EXPECT_EQ(log, (log_t{"first:9", "late:9"}));
 }
 
-TEST(signal, copied_subscriber_is_not_connected) {
-    log_t log;
-    int_signal_t signal;
-    listener_t a("a", log);
-    signal.connect(&a, &listener_t::on_event);
-    {
-        listener_t copy(a);
-        copy.name = "copy";
-    }
-    signal(4);
-    EXPECT_EQ(log, (log_t{"a:4"}));
-}
-
 } // namespace
