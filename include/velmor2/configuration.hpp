@@ -197,12 +197,14 @@ class VELMOR_API advanced_xml_config_t {
     virtual ~advanced_xml_config_t();
 
     /// Replaces the values by those of `file`, announcing each through `value_changed`.
-    /// False, values untouched, when the file cannot be read, is locked by a writer or is not
-    /// well-formed XML.
+    /// False, values untouched, when the file cannot be read, is locked by a writer, is not
+    /// well-formed XML, or its entity references expand to more than 10,000,000 bytes of text.
     bool load(const path_t& file);
-    /// Writes every value to `file` (UTF-8, two-space indentation). Keys whose pieces are not
-    /// XML names and values that cannot be written are reported to `on_save_value_failed`
-    /// and left out. False when the file cannot be written or is locked.
+    /// Writes every value to `file` (UTF-8, two-space indentation), replacing it in one step
+    /// (see `save_xml_document`). Keys whose pieces are not XML names and values that cannot
+    /// be written or would not load back (past the parser's size limits too) are reported to
+    /// `on_save_value_failed` and left out. False, the file as it was, when it cannot be
+    /// written or is locked.
     bool save(const path_t& file);
 
     /// The value stored under `tolower(name)`, or `default_value` when there is no such key.
@@ -265,7 +267,16 @@ class VELMOR_API advanced_xml_config_t {
   private:
     friend class handler_base_t;
 
-    void parse_node(xmlNode* node);
+    /// A value element as read, before the store takes it.
+    struct read_value_t {
+        std::wstring key;
+        /// False for a type name no handler knows.
+        bool handled;
+        std::wstring type_name;
+        boost::any value;
+    };
+
+    void parse_node(xmlNode* node, std::vector<read_value_t>& read);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key` in the store or a layer below; null if none.
@@ -296,8 +307,12 @@ class VELMOR_API advanced_xml_config_t {
 VELMOR_API xmlDoc* open_xml_document(const path_t& file);
 
 /// Writes `doc` to `file` as formatted UTF-8 XML, replacing it, while nobody else may read or
-/// write it; true when bytes were written. A file held by another reader or writer is left
-/// untouched. `doc` is not freed.
+/// write it; true when it was written. The document goes to a new file in the same folder,
+/// flushed to the disk and then renamed over the old file, so a failed or interrupted save
+/// leaves the old file byte for byte (and no new file on an ordinary failure); the old file's
+/// permission bits stay. Where the folder takes no new file but the file is writable, the file
+/// is written in place. A file held by another reader or writer is left untouched. `doc` is
+/// not freed.
 VELMOR_API bool save_xml_document(const path_t& file, xmlDoc* doc);
 
 } // namespace velmor2

@@ -92,7 +92,7 @@ class VELMOR_API signal_base_t : public subscriber_base_t {
 
     /// Adds `connection` unless one with the same target and method exists.
     void add_connection(const connection_t& connection);
-    /// Calls every live connection in order through `caller`.
+    /// Calls every live connection in order through `caller`; exception-safe.
     void emit_packed(caller_t caller, void* arguments);
 
   private:
@@ -127,7 +127,9 @@ template <typename... Args> struct signal_templ : signal_base_t {
         add_connection(connection);
     }
 
-    /// Emits: calls every connection, in connection order, with `args`.
+    /// Emits: calls every connection, in connection order, with `args`. A callback that
+    /// throws ends the emission there: the exception reaches the caller, and the signal is
+    /// whole (lock released, ready for the next emission).
     void operator()(Args... args) {
         std::tuple<Args&...> packed(args...);
         emit_packed(&call, &packed);

@@ -2,6 +2,7 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"
+#include "config/node_text.hpp"
 #include "text/convert.hpp"
 
 #include <libxml/tree.h>
@@ -40,18 +41,36 @@ bool advanced_xml_config_t::load(const path_t& file) {
     if (!doc) {
         return false;
     }
+    // Everything is read before the store changes, so that a file refused for the text its
+    // entities expand to leaves the values as they were.
+    std::vector<read_value_t> read;
+    {
+        const _internal::expansion_budget_t budget(doc.get());
+        parse_node(xmlDocGetRootElement(doc.get()), read);
+        if (budget.exceeded()) {
+            return false;
+        }
+    }
+    doc.reset();
     index.clear();
     values.clear();
-    parse_node(xmlDocGetRootElement(doc.get()));
+    for (const read_value_t& value : read) {
+        if (value.handled) {
+            set_value(value.key, value.value);
+        } else {
+            on_load_value_failed(value.key, value.type_name);
+        }
+    }
     return true;
 }
 
-void advanced_xml_config_t::parse_node(xmlNode* node) {
-    // Type names resolved once per load; the copies keep the handlers alive should a
-    // subscriber replace the store's list during the load.
+void advanced_xml_config_t::parse_node(xmlNode* node, std::vector<read_value_t>& read) {
+    // Type names resolved once per load; the copies keep the handlers alive.
     struct reader_t {
         advanced_xml_config_t& store;
+        std::vector<read_value_t>& read;
         std::unordered_map<std::string, smart_pointer_t<handler_base_t>> known;
+        std::string type_name;
 
         handler_base_t* handler_for(const std::string& type_name) {
             const auto found = known.find(type_name);
@@ -68,37 +87,30 @@ void advanced_xml_config_t::parse_node(xmlNode* node) {
             return nullptr;
         }
 
-        void read(xmlNode* node) {
+        void walk(xmlNode* node) {
             if (node == nullptr) {
                 return;
             }
-            const std::unique_ptr<xmlChar, void (*)(xmlChar*)> type(
-                node->type == XML_ELEMENT_NODE
-                    ? xmlGetProp(node, reinterpret_cast<const xmlChar*>("type"))
-                    : nullptr,
-                [](xmlChar* p) { xmlFree(p); });
-            if (!type) {
+            if (node->type != XML_ELEMENT_NODE ||
+                !_internal::attribute_text(node, "type", type_name)) {
                 for (xmlNode* child = node->children; child != nullptr; child = child->next) {
-                    read(child);
+                    walk(child);
                 }
                 return;
             }
-            const std::string type_name(reinterpret_cast<const char*>(type.get()));
-            const std::wstring key = key_of(node);
+            read_value_t value{key_of(node), true, {}, {}};
             handler_base_t* handler = handler_for(type_name);
             if (handler == nullptr) {
-                store.on_load_value_failed(key, _internal::to_ustring(type_name));
-                return;
-            }
-            boost::any value;
-            {
+                value.handled = false;
+                value.type_name = _internal::to_ustring(type_name);
+            } else {
                 _internal::handler_scope_t scope(*handler, &store);
-                value = handler->load_value(node);
+                value.value = handler->load_value(node);
             }
-            store.set_value(key, value);
+            read.push_back(std::move(value));
         }
     };
-    reader_t{*this, {}}.read(node);
+    reader_t{*this, read, {}, {}}.walk(node);
 }
 
 } // namespace velmor2

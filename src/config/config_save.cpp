@@ -1,9 +1,10 @@
 // Saving a store to its XML file.
 //
 // Keys are written in ascending order, each as the element path of its "."-separated pieces.
-// A key with a piece that is not an XML name, a value with no handler, and a value whose
-// written content would not read back are reported to on_save_value_failed and left out, so a
-// save never produces a file that load rejects.
+// A key with a piece that is not an XML name, a key below one that holds a value or whose
+// element another key made (`x..y` after `x.y`), a value with no handler, and a value whose written content would not read back are reported to
+// on_save_value_failed and left out, so a save never produces a file that load rejects or that
+// loads other values.
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"
@@ -86,8 +87,9 @@ bool advanced_xml_config_t::save(const path_t& file) {
         if (pieces.empty()) {
             continue;
         }
-        const _internal::save_tree_t::place_t place = tree.make_element(pieces);
-        if (!place) {
+        const _internal::save_tree_t::id_t node = tree.make_element(pieces);
+        if (node == _internal::save_tree_t::none) {
+            on_save_value_failed(key, value.type());
             continue;
         }
         auto handler = known.find(value.type());
@@ -107,23 +109,22 @@ bool advanced_xml_config_t::save(const path_t& file) {
             }
         }
         const writer_t& writer = handler->second;
-        if (place.node != _internal::save_tree_t::none && writer.text_writer != nullptr) {
+        if (writer.text_writer != nullptr) {
             text.clear();
             writer.text_writer->append_text(value, text);
-            if (!tree.set_text(place.node, &writer.type_name, text)) {
+            if (!tree.set_text(node, &writer.type_name, text)) {
                 on_save_value_failed(key, value.type());
             }
             continue;
         }
-        xmlNode* element =
-            place.element != nullptr ? place.element : tree.make_value_element(place.node);
+        xmlNode* element = tree.make_value_element(node);
         xmlSetProp(element, BAD_CAST "type", BAD_CAST writer.type_name.c_str());
         {
             _internal::handler_scope_t scope(*writer.handler, this);
             writer.handler->save_value(value, element);
         }
-        if (!_internal::is_loadable(element, place.above)) {
-            _internal::clear_element(element);
+        if (!_internal::is_loadable(element, tree.depth_of(node))) {
+            tree.clear_value(node);
             on_save_value_failed(key, value.type());
         }
     }

@@ -2,31 +2,21 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"
+#include "config/node_text.hpp"
+#include "config/xml_check.hpp"
+#include "config/xml_quiet.hpp"
 #include "config/xpath.hpp"
 #include "text/convert.hpp"
 
-#include <libxml/globals.h>
 #include <libxml/tree.h>
-#include <libxml/xmlerror.h>
-
-#include <memory>
 
 namespace velmor2 {
 namespace {
 
 using _internal::to_utf8;
 
-void ignore_error(void*, const char*, ...) {}
-
 const xmlChar* xml_text(const std::string& utf8) {
     return reinterpret_cast<const xmlChar*>(utf8.c_str());
-}
-
-// Takes over a string libxml2 allocated.
-std::wstring take_text(xmlChar* text) {
-    const auto release = [](xmlChar* p) { xmlFree(p); };
-    std::unique_ptr<xmlChar, decltype(release)> owned(text, release);
-    return _internal::to_ustring(reinterpret_cast<const char*>(text));
 }
 
 std::vector<xmlNode*> select(xmlNode* node, const std::wstring& expression) {
@@ -58,14 +48,18 @@ std::wstring handler_base_t::get_node_content(xmlNode* node) {
     if (child->next == nullptr && child->type == XML_TEXT_NODE) {
         return _internal::to_ustring(reinterpret_cast<const char*>(child->content));
     }
-    return take_text(xmlNodeListGetString(node->doc, node->children, 1));
+    std::string text;
+    if (!_internal::append_list_text(node->doc, node->children, text)) {
+        return std::wstring();
+    }
+    return _internal::to_ustring(text);
 }
 
 void handler_base_t::set_node_content(xmlNode* node, const std::wstring& text) const {
     if (node == nullptr) {
         return;
     }
-    const std::string utf8 = to_utf8(text);
+    const std::string utf8 = _internal::to_xml_utf8(text);
     xmlNodeAddContentLen(node, xml_text(utf8), static_cast<int>(utf8.size()));
 }
 
@@ -74,13 +68,9 @@ void handler_base_t::add_property(xmlNode* node, const std::wstring& name,
     if (node == nullptr) {
         return;
     }
-    // libxml2 reports a malformed reference in the content on stderr unless told otherwise;
-    // the handler is per thread, so the swap affects no other thread.
-    const xmlGenericErrorFunc saved = xmlGenericError;
-    void* const saved_context = xmlGenericErrorContext;
-    xmlSetGenericErrorFunc(nullptr, ignore_error);
+    // libxml2 reports a malformed reference in the content on stderr unless told otherwise.
+    const _internal::quiet_xml_t quiet;
     xmlNewChild(node, nullptr, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
-    xmlSetGenericErrorFunc(saved_context, saved);
 }
 
 std::wstring handler_base_t::get_property(xmlNode* node, const std::wstring& name) {
@@ -102,11 +92,11 @@ std::wstring handler_base_t::get_attribute(xmlNode* node, const std::wstring& na
     if (node == nullptr) {
         return std::wstring();
     }
-    const std::string utf8 = to_utf8(name);
-    if (xmlHasProp(node, xml_text(utf8)) == nullptr) {
+    std::string text;
+    if (!_internal::attribute_text(node, to_utf8(name).c_str(), text)) {
         return std::wstring();
     }
-    return take_text(xmlGetProp(node, xml_text(utf8)));
+    return _internal::to_ustring(text);
 }
 
 void handler_base_t::set_attribute(xmlNode* node, const std::wstring& name,
@@ -114,7 +104,7 @@ void handler_base_t::set_attribute(xmlNode* node, const std::wstring& name,
     if (node == nullptr) {
         return;
     }
-    xmlSetProp(node, xml_text(to_utf8(name)), xml_text(to_utf8(value)));
+    xmlSetProp(node, xml_text(to_utf8(name)), xml_text(_internal::to_xml_utf8(value)));
 }
 
 boost::any handler_base_t::get_any_property(xmlNode* node, const std::wstring& name,

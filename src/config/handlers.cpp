@@ -1,6 +1,7 @@
 // The path handler and the registration of the built-in handlers.
 #include "config/handlers_internal.hpp"
 
+#include "config/xml_check.hpp"
 #include "text/convert.hpp"
 
 #include <cstdint>
@@ -24,6 +25,11 @@ std::vector<xmlNode*> child_elements(xmlNode* node, const char* name) {
     return found;
 }
 
+void add_text_child(xmlNode* node, const char* name, const std::wstring& text) {
+    xmlNewTextChild(node, nullptr, reinterpret_cast<const xmlChar*>(name),
+                    reinterpret_cast<const xmlChar*>(to_xml_utf8(text).c_str()));
+}
+
 void append_utf8(const std::wstring& text, std::string& out) {
     const std::size_t start = out.size();
     out.resize(start + text.size());
@@ -31,7 +37,7 @@ void append_utf8(const std::wstring& text, std::string& out) {
     for (const wchar_t c : text) {
         if (static_cast<std::uint32_t>(c) >= 0x80) {
             out.resize(start);
-            out += to_utf8(text);
+            out += to_xml_utf8(text);
             return;
         }
         *p++ = static_cast<char>(c);

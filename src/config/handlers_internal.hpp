@@ -20,8 +20,12 @@ namespace velmor2::_internal {
 /// expression made of the name selects, without building an XPath context.
 std::vector<xmlNode*> child_elements(xmlNode* node, const char* name);
 
-/// Appends the UTF-8 form of `text` to `out` (what `to_utf8` gives, without a conversion pass
-/// when the text is ASCII).
+/// Appends to `node` a child element `name` (UTF-8) holding `text` as text: written escaped,
+/// so that it reads back unchanged whatever characters it holds.
+void add_text_child(xmlNode* node, const char* name, const std::wstring& text);
+
+/// Appends the UTF-8 form of `text` to `out` (what `to_xml_utf8` gives, without a conversion
+/// pass when the text is ASCII).
 void append_utf8(const std::wstring& text, std::string& out);
 
 /// A handler whose `save_value` only appends text to the element: a save can take that text
@@ -89,7 +93,8 @@ template <typename T> class generic_handler_t : public handler_base_t, public te
     std::wstring type_name;
 };
 
-/// A sequence container C of E (std::wstring or int) as one `item` child per entry.
+/// A sequence container C of E (std::wstring or int) as one `item` child per entry, its text
+/// escaped like any other text.
 template <typename C, typename E> class generic_container_handler_t : public handler_base_t {
   public:
     explicit generic_container_handler_t(const std::wstring& type_name) : type_name(type_name) {}
@@ -108,7 +113,7 @@ template <typename C, typename E> class generic_container_handler_t : public han
     void save_value(const boost::any& value, xmlNode* element) override {
         if (const C* held = boost::any_cast<C>(&value)) {
             for (const E& entry : *held) {
-                add_property(element, L"item", scalar_text(entry));
+                add_text_child(element, "item", scalar_text(entry));
             }
         }
     }

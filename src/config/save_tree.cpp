@@ -1,9 +1,7 @@
 // Key-to-element look-up of a save without scanning siblings.
 #include "config/save_tree.hpp"
 #include "config/xml_check.hpp"
-#include "config/xpath.hpp"
 
-#include <cstring>
 #include <new>
 
 namespace velmor2::_internal {
@@ -37,9 +35,6 @@ save_tree_t::save_tree_t(std::size_t key_count) : doc(xmlNewDoc(BAD_CAST "1.0"))
 }
 
 save_tree_t::~save_tree_t() {
-    if (context != nullptr) {
-        xmlXPathFreeContext(context);
-    }
     for (xmlNode* element : elements) {
         xmlFreeNode(element);
     }
@@ -109,11 +104,11 @@ save_tree_t::id_t save_tree_t::add_child(id_t parent, std::string_view name, std
     return id;
 }
 
-save_tree_t::place_t save_tree_t::make_element(const std::vector<std::string_view>& pieces) {
+save_tree_t::id_t save_tree_t::make_element(const std::vector<std::string_view>& pieces) {
     id_t current = 0;
     for (std::size_t i = 0; i < pieces.size(); ++i) {
         if (nodes[current].written) {
-            return query_below(current, pieces, i);
+            return none;
         }
         // Sorted keys mostly continue below the child made last.
         id_t child = nodes[current].last_child;
@@ -125,89 +120,45 @@ save_tree_t::place_t save_tree_t::make_element(const std::vector<std::string_vie
                 while (++i < pieces.size()) {
                     current = add_child(current, pieces[i], hash_of(current, pieces[i]));
                 }
-                return place_t{current, nullptr, nodes[current].depth - 1};
+                return current;
             }
         }
         current = child;
     }
-    return place_t{};
-}
-
-xmlNode* save_tree_t::element_of(id_t id) {
-    node_t& node = nodes[id];
-    if (node.element != nullptr) {
-        return node.element;
-    }
-    // A text value turns into the element libxml2 would have made of it.
-    const std::string name(name_of(node));
-    xmlNode* element = xmlNewDocNode(doc, nullptr, BAD_CAST name.c_str(), nullptr);
-    if (element == nullptr) {
-        throw std::bad_alloc();
-    }
-    elements.push_back(element);
-    node.element = element;
-    if (node.type_name != nullptr) {
-        xmlSetProp(element, BAD_CAST "type", BAD_CAST node.type_name->c_str());
-    }
-    if (node.has_text) {
-        xmlAddChild(element, xmlNewTextLen(BAD_CAST texts.data() + node.text_begin,
-                                           static_cast<int>(node.text_size)));
-    }
-    return element;
-}
-
-save_tree_t::place_t
-save_tree_t::query_below(id_t node, const std::vector<std::string_view>& pieces, std::size_t from) {
-    if (context == nullptr) {
-        context = xmlXPathNewContext(doc);
-        if (context == nullptr) {
-            throw std::bad_alloc();
-        }
-    }
-    xmlNode* const base = element_of(node);
-    xmlNode* current = base;
-    std::string expression;
-    for (std::size_t i = from; i < pieces.size(); ++i) {
-        if (i > from) {
-            expression += '/';
-        }
-        expression += pieces[i];
-        found.clear();
-        select_nodes(base, expression, found, context);
-        if (found.empty()) {
-            for (; i < pieces.size(); ++i) {
-                const std::string name(pieces[i]);
-                current = xmlNewChild(current, nullptr, BAD_CAST name.c_str(), nullptr);
-                if (current == nullptr) {
-                    throw std::bad_alloc();
-                }
-            }
-            return place_t{none, current, nodes[node].depth - 1};
-        }
-        current = found.front();
-    }
-    return place_t{};
+    return none;
 }
 
 bool save_tree_t::set_text(id_t id, const std::string* type_name, const std::string& text) {
-    node_t& node = nodes[id];
-    node.written = true;
-    if (!is_xml_text(text.c_str())) {
+    // A zero character cannot be written: libxml2 would end the text there.
+    if (text.find('\0') != std::string::npos || !is_xml_text(text.c_str())) {
         return false;
     }
-    // libxml2 keeps text as a terminated string: it ends at the first zero byte.
-    const std::size_t size = std::strlen(text.c_str());
+    node_t& node = nodes[id];
+    node.written = true;
     node.type_name = type_name;
     node.has_text = !text.empty();
     node.text_begin = texts.size();
-    node.text_size = size;
-    texts.append(text, 0, size);
+    node.text_size = text.size();
+    texts.append(text);
     return true;
 }
 
-xmlNode* save_tree_t::make_value_element(id_t node) {
-    nodes[node].written = true;
-    return element_of(node);
+xmlNode* save_tree_t::make_value_element(id_t id) {
+    node_t& node = nodes[id];
+    node.written = true;
+    const std::string name(name_of(node));
+    node.element = xmlNewDocNode(doc, nullptr, BAD_CAST name.c_str(), nullptr);
+    if (node.element == nullptr) {
+        throw std::bad_alloc();
+    }
+    elements.push_back(node.element);
+    return node.element;
+}
+
+void save_tree_t::clear_value(id_t id) {
+    node_t& node = nodes[id];
+    node.written = false;
+    node.element = nullptr;
 }
 
 } // namespace velmor2::_internal

@@ -5,7 +5,6 @@
 #include <velmor2/path.hpp>
 
 #include <libxml/tree.h>
-#include <libxml/xpath.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -22,24 +21,14 @@ namespace velmor2::_internal {
 /// Finding the element of a key gives the result of querying XPath `p1`, `p1/p2`, ... from the
 /// root and taking the first node in document order each time, creating the rest at the first
 /// miss. Groups hold only children the save created, one per name, so an index from (parent,
-/// name) gives that first node at once. Below a value element names may repeat and a handler
-/// may have built anything, so the rest of the key is queried by XPath there, which only scans
-/// that value's own content.
+/// name) gives that first node at once. A key below one that holds a value gets no element:
+/// written into the value's element it would change the value (a text value would gain the
+/// indentation around it) and would never be read. Neither does a key whose element exists.
 class save_tree_t {
   public:
     /// Index of a node; `none` for no node.
     using id_t = std::uint32_t;
     static constexpr id_t none = UINT32_MAX;
-
-    /// Where the element of a new key went: a node of the tree, or an element inside content a
-    /// handler wrote. Empty when the key's element exists already.
-    struct place_t {
-        id_t node = none;
-        xmlNode* element = nullptr;
-        /// Ancestors the element will have in the file that it is not linked to.
-        std::size_t above = 0;
-        explicit operator bool() const { return node != none || element != nullptr; }
-    };
 
     /// An empty tree expecting about `key_count` keys.
     explicit save_tree_t(std::size_t key_count);
@@ -49,16 +38,22 @@ class save_tree_t {
     save_tree_t& operator=(const save_tree_t&) = delete;
 
     /// The new element of `pieces` (valid XML names, UTF-8), created with every missing
-    /// ancestor; empty when the element already exists.
-    place_t make_element(const std::vector<std::string_view>& pieces);
+    /// ancestor; `none` when the element exists already (another key's) or lies below a value.
+    id_t make_element(const std::vector<std::string_view>& pieces);
 
     /// Makes `node` a value holding `type_name` and the UTF-8 `text` (nothing when empty).
-    /// When the text cannot go into XML, leaves an empty group element and returns false.
+    /// When the text cannot go into XML, leaves `node` a group and returns false.
     /// `type_name` must outlive the tree.
     bool set_text(id_t node, const std::string* type_name, const std::string& text);
 
     /// Makes `node` a value whose content a handler writes into the returned element.
     xmlNode* make_value_element(id_t node);
+
+    /// Turns the value `node` back into an empty group, its element's content dropped.
+    void clear_value(id_t node);
+
+    /// Nesting of `node`'s element below the root, the root's children counting 1.
+    std::size_t depth_of(id_t node) const { return nodes[node].depth - 1; }
 
     /// Writes the document to `file` as formatted UTF-8 XML; false when the file cannot be
     /// written (see `save_xml_document`).
@@ -75,7 +70,7 @@ class save_tree_t {
         id_t first_child = none;
         id_t last_child = none;
         id_t next = none;
-        // A value went into it: later keys below it look into its content.
+        // It holds a value.
         bool written = false;
         // A text value's text node (maybe empty), its bytes in `texts`.
         bool has_text = false;
@@ -93,8 +88,6 @@ class save_tree_t {
     id_t find_child(id_t parent, std::string_view name, std::uint32_t hash) const;
     id_t add_child(id_t parent, std::string_view name, std::uint32_t hash);
     void grow_index();
-    place_t query_below(id_t node, const std::vector<std::string_view>& pieces, std::size_t from);
-    xmlNode* element_of(id_t node);
     void write_node(const node_t& node, std::size_t level, std::string& out) const;
 
     std::vector<node_t> nodes;
@@ -108,8 +101,6 @@ class save_tree_t {
     // Owns the elements handlers write into; they are never linked to it.
     xmlDoc* doc;
     std::vector<xmlNode*> elements;
-    xmlXPathContext* context = nullptr;
-    std::vector<xmlNode*> found;
 };
 
 } // namespace velmor2::_internal

@@ -3,6 +3,7 @@
 // holding text on one line.
 #include "config/save_tree.hpp"
 #include "config/xml_file.hpp"
+#include "config/xml_quiet.hpp"
 
 #include <libxml/xmlIO.h>
 #include <libxml/xmlsave.h>
@@ -103,6 +104,7 @@ void save_tree_t::write_node(const node_t& node, std::size_t level, std::string&
 }
 
 bool save_tree_t::write(const path_t& file) const {
+    const quiet_xml_t quiet;
     std::string out;
     // About a line of 40 bytes per element.
     out.reserve(64 + nodes.size() * 40 + texts.size());

@@ -137,14 +137,36 @@ void signal_base_t::disconnect_all() {
 }
 
 void signal_base_t::emit_packed(caller_t caller, void* arguments) {
-    threading::mutex_t* mutex = connections_mutex;
-    mutex->acquire();
-    bool alive = true;
-    const bool outermost = emission_flag == nullptr;
-    if (outermost) {
-        emission_flag = &alive;
+    // Ends the emission on every way out, a throwing callback's too: the lock is released and
+    // the outermost emission clears the walk state and erases dead entries, unless a callback
+    // destroyed the signal, when nothing of it may be touched and the outermost emission frees
+    // the lock.
+    struct emission_t {
+        signal_base_t* signal;
+        threading::mutex_t* mutex;
+        bool alive = true;
+        bool outermost = false;
+        bool* flag = nullptr;
+
+        ~emission_t() {
+            if (*flag && outermost) {
+                signal->emission_flag = nullptr;
+                signal->connections.remove_if(
+                    [](const connection_t& c) { return c.subscriber == nullptr; });
+            }
+            mutex->release();
+            if (!*flag && outermost) {
+                delete mutex;
+            }
+        }
+    };
+    connections_mutex->acquire();
+    emission_t emission{this, connections_mutex};
+    emission.outermost = emission_flag == nullptr;
+    if (emission.outermost) {
+        emission_flag = &emission.alive;
     }
-    bool* flag = emission_flag;
+    emission.flag = emission_flag;
     // Entries are never erased during an emission, so the iterator stays valid; `end()` is
     // read again each round so that connections added by callbacks are reached.
     for (auto it = connections.begin(); it != connections.end(); ++it) {
@@ -153,20 +175,11 @@ void signal_base_t::emit_packed(caller_t caller, void* arguments) {
         }
         const connection_t connection = *it;
         caller(connection, arguments);
-        if (!*flag) {
+        if (!*emission.flag) {
             // A callback destroyed the signal: nothing of it may be touched any more.
-            mutex->release();
-            if (outermost) {
-                delete mutex;
-            }
             return;
         }
     }
-    if (outermost) {
-        emission_flag = nullptr;
-        connections.remove_if([](const connection_t& c) { return c.subscriber == nullptr; });
-    }
-    mutex->release();
 }
 
 } // namespace velmor2::_internal

@@ -3,6 +3,7 @@
 #include "text/convert.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace velmor2::_internal {
@@ -39,7 +40,38 @@ bool has_xml_chars(const xmlChar* text) {
     return true;
 }
 
+std::size_t length_of(const xmlChar* text) {
+    return text != nullptr ? std::strlen(reinterpret_cast<const char*>(text)) : 0;
+}
+
+// Bytes an attribute value takes once written with libxml2's escapes.
+std::size_t escaped_size(const xmlChar* text) {
+    std::size_t size = 0;
+    for (const xmlChar* p = text; p != nullptr && *p != 0; ++p) {
+        switch (*p) {
+        case '"':
+            size += 6;
+            break;
+        case '&':
+        case '\n':
+        case '\r':
+            size += 5;
+            break;
+        case '<':
+        case '>':
+        case '\t':
+            size += 4;
+            break;
+        default:
+            ++size;
+        }
+    }
+    return size;
+}
+
 bool attributes_loadable(const xmlNode* element) {
+    // "<name" and "/>".
+    std::size_t tag = 3 + length_of(element->name);
     for (const xmlAttr* attribute = element->properties; attribute != nullptr;
          attribute = attribute->next) {
         if (attribute->ns != nullptr ||
@@ -51,17 +83,26 @@ bool attributes_loadable(const xmlNode* element) {
                 return false;
             }
         }
+        // ' name=""'
+        tag += 4 + length_of(attribute->name);
         for (const xmlNode* part = attribute->children; part != nullptr; part = part->next) {
             if (part->type != XML_TEXT_NODE || !has_xml_chars(part->content)) {
                 return false;
             }
+            tag += escaped_size(part->content);
         }
     }
-    return true;
+    return tag <= max_start_tag_bytes;
 }
 
 bool content_loadable(const xmlNode* node, std::size_t depth) {
+    // Adjacent text nodes read back as one.
+    std::size_t text = 0;
     for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
+        text = child->type == XML_TEXT_NODE ? text + length_of(child->content) : 0;
+        if (text > max_text_bytes || length_of(child->content) > max_text_bytes) {
+            return false;
+        }
         switch (child->type) {
         case XML_ELEMENT_NODE:
             if (depth >= max_element_depth || child->ns != nullptr ||
@@ -98,7 +139,7 @@ bool content_loadable(const xmlNode* node, std::size_t depth) {
 } // namespace
 
 bool is_element_name(std::string_view name) {
-    if (name.empty()) {
+    if (name.empty() || name.size() > max_name_bytes) {
         return false;
     }
     const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
@@ -117,7 +158,8 @@ bool is_element_name(std::string_view name) {
 }
 
 bool is_xml_text(const char* text) {
-    return has_xml_chars(reinterpret_cast<const xmlChar*>(text));
+    return std::strlen(text) <= max_text_bytes &&
+           has_xml_chars(reinterpret_cast<const xmlChar*>(text));
 }
 
 bool is_loadable(const xmlNode* element, std::size_t above) {
@@ -130,12 +172,23 @@ bool is_loadable(const xmlNode* element, std::size_t above) {
            content_loadable(element, depth);
 }
 
-void clear_element(xmlNode* element) {
-    xmlFreePropList(element->properties);
-    element->properties = nullptr;
-    xmlFreeNodeList(element->children);
-    element->children = nullptr;
-    element->last = nullptr;
+std::string to_xml_utf8(const std::wstring& text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<std::uint32_t>(text[i]);
+        const bool paired = sizeof(wchar_t) == 2 && c >= 0xD800 && c <= 0xDBFF &&
+                            i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        if (paired) {
+            ++i;
+        } else if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) {
+            return "\xEF\xBF\xBF";
+        }
+    }
+    std::string utf8 = to_utf8(text);
+    for (std::size_t zero = utf8.find('\0'); zero != std::string::npos;
+         zero = utf8.find('\0', zero)) {
+        utf8.replace(zero, 1, "\xEF\xBF\xBF");
+    }
+    return utf8;
 }
 
 } // namespace velmor2::_internal

@@ -7,8 +7,7 @@
 
 namespace velmor2::_internal {
 
-/// Writes `text` to `file`, replacing it, under the same sharing rules and line ends as
-/// `save_xml_document`; true when bytes were written.
+/// Replaces `file` by one holding `text` (see `save_xml_document`); true when it was written.
 bool write_xml_text(const path_t& file, const std::string& text);
 
 } // namespace velmor2::_internal

@@ -1,30 +1,27 @@
-// XPath evaluation for the handlers' find_nodes and for saving into handler-written content.
+// XPath evaluation for the handlers' find_nodes.
 #include "config/xpath.hpp"
+#include "config/xml_quiet.hpp"
+
+#include <libxml/xpath.h>
 
 #include <memory>
 
 namespace velmor2::_internal {
 
-void select_nodes(xmlNode* node, const std::string& expression, std::vector<xmlNode*>& nodes,
-                  xmlXPathContext* context) {
+void select_nodes(xmlNode* node, const std::string& expression, std::vector<xmlNode*>& nodes) {
     if (node == nullptr || node->doc == nullptr) {
         return;
     }
+    const quiet_xml_t quiet;
     xmlXPathInit();
-    std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> own(nullptr,
-                                                                         &xmlXPathFreeContext);
-    if (context == nullptr) {
-        own.reset(xmlXPathNewContext(node->doc));
-        context = own.get();
-        if (context == nullptr) {
-            return;
-        }
+    const std::unique_ptr<xmlXPathContext, decltype(&xmlXPathFreeContext)> context(
+        xmlXPathNewContext(node->doc), &xmlXPathFreeContext);
+    if (!context) {
+        return;
     }
-    // Parse errors go to the context's handler, not to stderr.
-    context->error = [](void*, xmlError*) {};
     context->node = node;
-    std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
-        xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(expression.c_str()), context),
+    const std::unique_ptr<xmlXPathObject, decltype(&xmlXPathFreeObject)> result(
+        xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(expression.c_str()), context.get()),
         &xmlXPathFreeObject);
     if (!result || result->type != XPATH_NODESET || result->nodesetval == nullptr) {
         return;

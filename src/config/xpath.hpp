@@ -2,7 +2,6 @@
 #pragma once
 
 #include <libxml/tree.h>
-#include <libxml/xpath.h>
 
 #include <string>
 #include <vector>
@@ -10,10 +9,8 @@
 namespace velmor2::_internal {
 
 /// The nodes `expression` (UTF-8) selects with `node` as context node, in document order,
-/// appended to `nodes`. Uses `context` when given (it must belong to the node's document),
-/// otherwise a context of its own. An invalid expression or a result that is not a node set
-/// adds nothing.
-void select_nodes(xmlNode* node, const std::string& expression, std::vector<xmlNode*>& nodes,
-                  xmlXPathContext* context = nullptr);
+/// appended to `nodes`. An invalid expression or a result that is not a node set adds nothing;
+/// nothing is printed.
+void select_nodes(xmlNode* node, const std::string& expression, std::vector<xmlNode*>& nodes);
 
 } // namespace velmor2::_internal

@@ -84,21 +84,6 @@ TEST(xml_document, reader_keeps_writers_out_and_save_leaves_content_untouched) {
     EXPECT_TRUE(velmor2::save_xml_document(dir.path("f.xml"), doc.get()));
 }
 
-TEST(xml_document, writer_keeps_everybody_out) {
-    temp_tree_t dir;
-    dir.write("f.xml", "<root/>");
-    doc_ptr doc = parse("<root/>");
-    const int writer = os::open_xml_for_writing(dir.path("f.xml").as_string());
-    ASSERT_GE(writer, 0);
-    EXPECT_EQ(velmor2::open_xml_document(dir.path("f.xml")), nullptr);
-    EXPECT_FALSE(velmor2::save_xml_document(dir.path("f.xml"), doc.get()));
-    EXPECT_LT(os::open_xml_for_reading(dir.path("f.xml").as_string()), 0);
-    os::close_xml_file(writer);
-    doc_ptr reopened(velmor2::open_xml_document(dir.path("f.xml")), &xmlFreeDoc);
-    // The writer emptied the file and wrote nothing.
-    EXPECT_FALSE(reopened);
-}
-
 TEST(handler_helpers, content_properties_and_attributes) {
     doc_ptr doc = parse("<root><e a=\"\">x<c>one</c></e><list> <item>1</item> <item>2</item>"
                         "<!-- c --> <item>3</item> <other/></list></root>");

@@ -1,5 +1,5 @@
-// The descriptors of the configuration files on Windows: the sharing modes as any other opener
-// meets them, and the runtime's text mode, which writes CR LF and reads it back as LF.
+// The configuration files on Windows: the sharing modes as any other opener meets them, saves
+// that replace the file, and the runtime's text mode, which writes CR LF and reads it back as LF.
 #if defined(_WIN32)
 
 #include "os/xml_file.hpp"
@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <io.h>
 #include <string>
 #include <windows.h>
@@ -41,34 +42,27 @@ TEST(win32_xml_file, a_reader_lets_readers_in_and_keeps_writers_out) {
     EXPECT_EQ(open_error(tree, "f.xml", GENERIC_WRITE), static_cast<DWORD>(ERROR_SUCCESS));
 }
 
-TEST(win32_xml_file, a_writer_keeps_everybody_out) {
-    temp_tree_t tree;
-    const int writer = os::open_xml_for_writing(tree.native("f.xml").wstring());
-    ASSERT_GE(writer, 0);
-    EXPECT_EQ(open_error(tree, "f.xml", GENERIC_READ), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
-    EXPECT_EQ(open_error(tree, "f.xml", GENERIC_WRITE),
-              static_cast<DWORD>(ERROR_SHARING_VIOLATION));
-    EXPECT_LT(os::open_xml_for_writing(tree.native("f.xml").wstring()), 0);
-    os::close_xml_file(writer);
-    EXPECT_EQ(open_error(tree, "f.xml", GENERIC_READ), static_cast<DWORD>(ERROR_SUCCESS));
-}
-
-TEST(win32_xml_file, a_writer_empties_the_file_and_writes_cr_lf_that_reads_back_as_lf) {
+TEST(win32_xml_file, a_save_replaces_the_file_with_cr_lf_that_reads_back_as_lf) {
     temp_tree_t tree;
     tree.write("f.xml", std::string(100, 'o'));
     const std::string text = "<a>\n  <b/>\n</a>\n";
-    const int writer = os::open_xml_for_writing(tree.native("f.xml").wstring());
-    ASSERT_GE(writer, 0);
-    EXPECT_EQ(_write(writer, text.data(), static_cast<unsigned>(text.size())),
-              static_cast<int>(text.size()));
-    os::close_xml_file(writer);
-    EXPECT_EQ(tree.read("f.xml"), "<a>\r\n  <b/>\r\n</a>\r\n");
-
     const int reader = os::open_xml_for_reading(tree.native("f.xml").wstring());
     ASSERT_GE(reader, 0);
-    char buffer[64] = {};
-    const int got = _read(reader, buffer, sizeof buffer);
+    EXPECT_FALSE(os::replace_xml_file(tree.native("f.xml").wstring(), text));
     os::close_xml_file(reader);
+    EXPECT_EQ(tree.read("f.xml"), std::string(100, 'o'));
+    ASSERT_TRUE(os::replace_xml_file(tree.native("f.xml").wstring(), text));
+    EXPECT_EQ(tree.read("f.xml"), "<a>\r\n  <b/>\r\n</a>\r\n");
+    // Only the file itself: the new file it was written to has taken its place.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(tree.native()),
+                            std::filesystem::directory_iterator()),
+              1);
+
+    const int again = os::open_xml_for_reading(tree.native("f.xml").wstring());
+    ASSERT_GE(again, 0);
+    char buffer[64] = {};
+    const int got = _read(again, buffer, sizeof buffer);
+    os::close_xml_file(again);
     ASSERT_GE(got, 0);
     EXPECT_EQ(std::string(buffer, static_cast<std::size_t>(got)), text);
 }

@@ -120,7 +120,8 @@ fs_calls_t& fs_calls() {
 
 const fs_calls_t& real_fs_calls() {
     static const fs_calls_t calls = {::mkdir, ::rmdir,   ::unlink, rename_no_replace,
-                                     ::chmod, open_call, ::read,   ::write};
+                                     ::chmod, open_call, ::read,   ::write,
+                                     ::fsync, ::rename};
     return calls;
 }
 

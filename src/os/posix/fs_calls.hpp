@@ -19,6 +19,10 @@ struct fs_calls_t {
     int (*open)(const char* path, int flags, mode_t mode);
     ssize_t (*read)(int fd, void* buffer, size_t size);
     ssize_t (*write)(int fd, const void* buffer, size_t size);
+    /// Flushes a file's or a folder's data to the disk.
+    int (*fsync)(int fd);
+    /// Renames, replacing an existing target in one step.
+    int (*replace)(const char* from, const char* to);
 };
 
 /// The table in use; starts with the real calls.
