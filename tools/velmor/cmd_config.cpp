@@ -76,6 +76,16 @@ std::vector<std::string> key_levels(const std::wstring& key) {
     return levels;
 }
 
+// Removes the attributes and content of `element`, leaving it empty for a handler to fill.
+void clear_element(xmlNode* element) {
+    while (element->properties != nullptr) {
+        xmlRemoveProp(element->properties);
+    }
+    xmlFreeNodeList(element->children);
+    element->children = nullptr;
+    element->last = nullptr;
+}
+
 bool has_type(xmlNode* node) {
     return xmlHasProp(node, xml("type")) != nullptr;
 }
@@ -205,14 +215,14 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
         return exit_failed;
     }
     // The handler reads the value from the element's text as a load would.
-    velmor2::_internal::clear_element(element);
+    clear_element(element);
     xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_utf8(text))));
     const boost::any value = handler.load_value(element);
     if (value.empty()) {
         return usage_error(L"VALUE '" + text + L"' is not of type '" + handler.get_type_name() +
                            L"'");
     }
-    velmor2::_internal::clear_element(element);
+    clear_element(element);
     xmlSetProp(element, xml("type"), xml(to_utf8(handler.get_type_name())));
     handler.save_value(value, element);
     if (!velmor2::_internal::is_loadable(element)) {
