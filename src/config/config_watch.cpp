@@ -9,6 +9,7 @@
 #include "config/handler_scope.hpp"
 #include "config/key_index.hpp"
 #include "config/store_watch.hpp"
+#include "config/xml_quiet.hpp"
 #include "os/file_watch.hpp"
 
 #include <libxml/tree.h>
@@ -29,6 +30,7 @@ std::wstring folder_of(const path_t& file) {
 
 std::map<std::wstring, std::string> advanced_xml_config_t::saved_texts(
     const std::map<std::wstring, boost::any>& of) const {
+    const _internal::quiet_xml_t quiet;
     std::map<std::wstring, std::string> texts;
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(BAD_CAST "1.0"),
                                                              &xmlFreeDoc);
