@@ -1,6 +1,6 @@
 // MD5 beside OpenSSL's, CRC-32 beside zlib's, on a 64 MiB buffer and on 64-byte messages.
 #include "hash/crc32.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <velmor2/hash.hpp>
 

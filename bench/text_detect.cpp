@@ -1,6 +1,6 @@
 // Encoding detection of valid UTF-8 files in the page cache, beside the sequence-by-sequence
 // scan of the same bytes (read the same way) that it replaces.
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <velmor2/text_file.hpp>
 

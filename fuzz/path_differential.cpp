@@ -4,7 +4,7 @@
 // UTF-8 decoding, where bad sequences turn into U+FFFD, or one character of a small alphabet
 // of path trouble per byte, which reaches deep into the grammar far sooner.
 #include "path/differential.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cstddef>
 #include <cstdint>

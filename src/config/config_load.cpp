@@ -3,7 +3,7 @@
 
 #include "config/handler_scope.hpp"
 #include "config/node_text.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <libxml/tree.h>
 

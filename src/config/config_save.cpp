@@ -13,7 +13,7 @@
 #include "config/prefetch.hpp"
 #include "config/save_tree.hpp"
 #include "config/xml_check.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <libxml/tree.h>
 

@@ -4,7 +4,7 @@
 #include "config/handlers_internal.hpp"
 #include "config/key_index.hpp"
 #include "config/store_watch.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <cstdint>

@@ -6,7 +6,7 @@
 #include "config/xml_check.hpp"
 #include "config/xml_quiet.hpp"
 #include "config/xpath.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <libxml/tree.h>
 

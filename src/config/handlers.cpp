@@ -2,7 +2,7 @@
 #include "config/handlers_internal.hpp"
 
 #include "config/xml_check.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cstdint>
 #include <cstring>

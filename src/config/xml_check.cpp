@@ -1,6 +1,6 @@
 // Checks on a written value element before it goes to the file.
 #include "config/xml_check.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // path_t: construction, composition, normalisation and comparison on the parsed model.
 #include "path/component_pool.hpp"
 #include "path/grammar.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <locale>
 #include <optional>

@@ -3,7 +3,7 @@
 
 #include "os/diagnostics.hpp"
 #include "runtime/time_log_line.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <sstream>
 

@@ -4,8 +4,8 @@
 #include "text/detect.hpp"
 
 #include "os/data_file.hpp"
-#include "text/convert.hpp"
 #include "text/utf8_check.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <memory>

@@ -1,10 +1,11 @@
 // Whole text files: reading in a code page, writing in a code page, and the XML declaration.
 #include <velmor2/text_file.hpp>
 
+#include "os/ansi.hpp"
 #include "os/data_file.hpp"
-#include "text/convert.hpp"
 #include "text/detect.hpp"
 #include "text/encode.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <locale>
@@ -29,7 +30,7 @@ std::string encode_text(const std::wstring& text, code_page_t cp) {
         return bytes;
     }
     default:
-        return to_ansi(text);
+        return os::to_ansi(text);
     }
 }
 
@@ -76,7 +77,7 @@ std::wstring decode(code_page_t cp, const std::vector<char>& bytes) {
         return _internal::to_ustring(units.c_str());
     }
     default:
-        return _internal::from_ansi(std::string(bytes.data()));
+        return _internal::os::from_ansi(std::string(bytes.data()));
     }
 }
 

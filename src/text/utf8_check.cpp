@@ -2,7 +2,7 @@
 #include "text/utf8_check.hpp"
 
 #include "cpu/features.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cstdint>
 #include <cstring>

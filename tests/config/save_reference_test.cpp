@@ -11,7 +11,7 @@
 #include "config/xml_check.hpp"
 #include "config/xpath.hpp"
 #include "support/temp_tree.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <gtest/gtest.h>
 

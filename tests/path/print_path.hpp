@@ -1,7 +1,7 @@
 // Shows a path in test failures by its printed form.
 #pragma once
 
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <velmor2/path.hpp>
 

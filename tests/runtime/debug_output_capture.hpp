@@ -8,7 +8,8 @@
 #include <string>
 
 #if defined(_WIN32)
-#include "text/convert.hpp"
+#include "os/ansi.hpp"
+#include "unicode/convert.hpp"
 
 #include <windows.h>
 
@@ -74,7 +75,7 @@ class debug_output_capture_t {
         if (record.ExceptionCode == DBG_PRINTEXCEPTION_WIDE_C) {
             capture->text_ += reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]);
         } else if (record.ExceptionCode == DBG_PRINTEXCEPTION_C) {
-            capture->text_ += velmor2::_internal::from_ansi(
+            capture->text_ += velmor2::_internal::os::from_ansi(
                 reinterpret_cast<const char*>(record.ExceptionInformation[1]));
         } else {
             return EXCEPTION_CONTINUE_SEARCH;

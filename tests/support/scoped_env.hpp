@@ -1,7 +1,7 @@
 // Sets or clears an environment variable for the lifetime of a test and restores it afterwards.
 #pragma once
 
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cstdlib>
 #include <optional>

@@ -1,4 +1,5 @@
-#include "text/convert.hpp"
+#include "os/ansi.hpp"
+#include "unicode/convert.hpp"
 
 #include <gtest/gtest.h>
 
@@ -67,10 +68,10 @@ TEST(utf16_conversion, pairs_are_split_and_combined) {
 
 TEST(ansi_conversion, unmappable_characters_become_question_marks) {
 #if !defined(_WIN32)
-    EXPECT_EQ(to_ansi(L"a\u00e4\u20ac\u4e2d"), "a\xE4\x80?");
-    EXPECT_EQ(from_ansi("a\xE4\x80\x81"), L"a\u00e4\u20ac\u0081");
+    EXPECT_EQ(os::to_ansi(L"a\u00e4\u20ac\u4e2d"), "a\xE4\x80?");
+    EXPECT_EQ(os::from_ansi("a\xE4\x80\x81"), L"a\u00e4\u20ac\u0081");
 #endif
-    EXPECT_EQ(from_ansi(to_ansi(L"plain text")), L"plain text");
+    EXPECT_EQ(os::from_ansi(os::to_ansi(L"plain text")), L"plain text");
 }
 
 TEST(lower_case, ignores_the_process_locale) {

@@ -1,7 +1,7 @@
 #include "support/temp_tree.hpp"
-#include "text/convert.hpp"
 #include "text/detect.hpp"
 #include "text/utf8_check.hpp"
+#include "unicode/convert.hpp"
 
 #include <velmor2/text_file.hpp>
 

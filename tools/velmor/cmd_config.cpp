@@ -9,7 +9,7 @@
 
 #include "config/handlers_internal.hpp"
 #include "config/xml_check.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <libxml/tree.h>
 

@@ -3,7 +3,7 @@
 #include "files.hpp"
 #include "native_text.hpp"
 
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <cerrno>

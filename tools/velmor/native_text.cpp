@@ -1,7 +1,7 @@
 // Command-line bytes as wide text and back, without losing a byte that is not UTF-8.
 #include "native_text.hpp"
 
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 namespace velmor_tool {
 namespace {

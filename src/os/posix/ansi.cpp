@@ -1,10 +1,10 @@
 // POSIX has no ANSI code page: Windows-1252 stands in for it, both ways.
-#include "text/convert.hpp"
+#include "os/ansi.hpp"
 
 #include <algorithm>
 #include <iterator>
 
-namespace velmor2::_internal {
+namespace velmor2::_internal::os {
 namespace {
 
 // Characters of bytes 0x80-0x9F; the five bytes Windows leaves undefined map to the C1 controls.
@@ -43,4 +43,4 @@ std::wstring from_ansi(const std::string& bytes) {
     return out;
 }
 
-} // namespace velmor2::_internal
+} // namespace velmor2::_internal::os

@@ -1,7 +1,7 @@
 // Diagnostics on POSIX: the monotonic clock (clock() counts processor time, not elapsed time
 // here) and the standard error stream.
 #include "os/diagnostics.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cstdio>
 #include <ctime>

@@ -1,7 +1,7 @@
 // Dynamic libraries through dlopen, dlsym and dlclose.
 #include "os/dynamic_library.hpp"
 #include "os/posix/native.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <dlfcn.h>
 

@@ -1,7 +1,7 @@
 // Environment variables through getenv, setenv and unsetenv (UTF-8); the host name through
 // gethostname and the resolver's canonical name.
 #include "os/environment.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <climits>
 #include <cstdlib>

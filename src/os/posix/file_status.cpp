@@ -1,7 +1,7 @@
 // File attributes and write access from stat, faccessat and statvfs.
 #include "os/file_status.hpp"
 #include "os/posix/native.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cerrno>
 #include <fcntl.h>

@@ -3,7 +3,7 @@
 #include "os/fs.hpp"
 #include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <cerrno>
 #include <cstdio>

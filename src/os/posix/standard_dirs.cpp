@@ -1,7 +1,7 @@
 // Standard folders on POSIX: the XDG base directories, /proc/self/exe, dladdr, TMPDIR, getcwd.
 #include "os/standard_dirs.hpp"
 #include "os/posix/native.hpp"
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <velmor2/file_system.hpp>
 

@@ -1,10 +1,10 @@
 // The ANSI code page of Windows is the system's (CP_ACP).
-#include "text/convert.hpp"
+#include "os/ansi.hpp"
 
 #include <limits>
 #include <windows.h>
 
-namespace velmor2::_internal {
+namespace velmor2::_internal::os {
 
 std::string to_ansi(const std::wstring& text) {
     // The conversion calls count in int; a longer text fails as a whole rather than wrap.
@@ -34,4 +34,4 @@ std::wstring from_ansi(const std::string& bytes) {
     return out;
 }
 
-} // namespace velmor2::_internal
+} // namespace velmor2::_internal::os

@@ -1,6 +1,7 @@
 // Dynamic libraries through LoadLibraryExW, GetProcAddress and FreeLibrary.
 #include "os/dynamic_library.hpp"
-#include "text/convert.hpp"
+#include "os/ansi.hpp"
+#include "unicode/convert.hpp"
 
 #include <windows.h>
 

@@ -1,4 +1,5 @@
-// Text conversions between UTF-8, the platform's wide text, UTF-16 and the ANSI code page.
+// Text conversions between UTF-8, the platform's wide text and UTF-16, and the locale-free
+// lower-case mapping: the base every other part of the library builds on.
 #pragma once
 
 #include <cstddef>
@@ -35,12 +36,6 @@ std::wstring to_ustring(const char16_t* utf16);
 std::u16string to_utf16(const std::wstring& text);
 /// Wide text as UTF-16 code units held in a wide string, one unit per element.
 std::wstring to_widechar(const std::wstring& text);
-
-/// Wide text to the ANSI code page (the system's on Windows, Windows-1252 elsewhere); characters
-/// it cannot represent become `?`.
-std::string to_ansi(const std::wstring& text);
-/// ANSI code page bytes to wide text.
-std::wstring from_ansi(const std::string& bytes);
 
 /// Unicode simple lower-case mapping of one character, independent of the process locale.
 wchar_t tolower(wchar_t c);

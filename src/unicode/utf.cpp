@@ -1,5 +1,5 @@
 // UTF-8, UTF-16 and UTF-32 coding shared by every conversion of the library.
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 
 namespace velmor2::_internal {

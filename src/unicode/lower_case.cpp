@@ -1,5 +1,5 @@
 // Unicode simple lower-case mapping, from a table so the result never depends on the locale.
-#include "text/convert.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
 #include <iterator>
