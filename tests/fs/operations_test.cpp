@@ -11,9 +11,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#if !defined(_WIN32)
-#include <sys/stat.h>
-#endif
 
 namespace {
 
@@ -159,12 +156,6 @@ TEST(copy_file, refusals) {
         EXPECT_FALSE(velmor2::copy_file(tree.path(c.from), tree.path(c.to)));
     }
     EXPECT_FALSE(tree.has("b") || tree.has("c") || tree.has("no"));
-#if !defined(_WIN32)
-    // A FIFO is refused without waiting for a writer.
-    ASSERT_EQ(::mkfifo(tree.native("fifo").c_str(), 0600), 0);
-    EXPECT_FALSE(velmor2::copy_file(tree.path("fifo"), tree.path("copy")));
-    EXPECT_FALSE(tree.has("copy"));
-#endif
 }
 
 TEST(remove_file, deletes_plain_files_only) {

@@ -5,6 +5,7 @@
 #include "os/posix/native.hpp"
 #include "text/convert.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
@@ -93,8 +94,12 @@ bool write_all(int fd, const void* bytes, std::size_t size) {
 
 namespace {
 
-bool copy_content(int in, int out) {
-    std::vector<char> buffer(1 << 17);
+// The buffer fits the file, up to a limit: a tree of small files is copied without clearing a
+// large buffer for each.
+bool copy_content(int in, int out, off_t size) {
+    const std::size_t largest = 1 << 17;
+    std::vector<char> buffer(std::max<std::size_t>(
+        4096, std::min(largest, static_cast<std::size_t>(std::max<off_t>(size, 0)) + 1)));
     for (;;) {
         const ssize_t got = fs_calls().read(in, buffer.data(), buffer.size());
         if (got == 0) {
@@ -114,7 +119,7 @@ bool copy_content(int in, int out) {
 
 // Content, permission bits and times of the open source into the open, new target.
 bool fill_copy(int in, const struct stat& st, fd_t& out) {
-    if (!copy_content(in, out.get())) {
+    if (!copy_content(in, out.get(), st.st_size)) {
         return false;
     }
     const struct timespec times[2] = {st.st_atim, st.st_mtim};
