@@ -173,36 +173,41 @@ TEST(remove_file, deletes_plain_files_only) {
     EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
 }
 
-TEST(copy_directory, copies_the_tree_and_leaves_dot_names_out) {
+TEST(copy_directory, copies_the_tree_with_any_unicode_name_and_leaves_dot_names_out) {
     temp_tree_t tree;
-    tree.write("from/a.txt", "a");
-    tree.write("from/sub/deeper/c.txt", "c");
+    // Accented, CJK and beyond the Basic Multilingual Plane (a surrogate pair in UTF-16).
+    const std::string names[] = {"a.txt", "sub/deeper/c.txt",
+                                 "\xc3\xa9t\xc3\xa9/\xe6\x97\xa5\xe6\x9c\xac.txt",
+                                 "\xf0\x9d\x84\x9e clef.txt"};
+    for (const std::string& name : names) {
+        tree.write("from/" + name, name);
+    }
     for (const char* dotted : {"from/.git/config", "from/.profile", "from/sub/.hidden"}) {
         tree.write(dotted);
     }
     EXPECT_TRUE(velmor2::copy_directory(tree.path("from"), tree.path("to/copy")));
-    EXPECT_EQ(tree.read("to/copy/a.txt"), "a");
-    EXPECT_EQ(tree.read("to/copy/sub/deeper/c.txt"), "c");
+    for (const std::string& name : names) {
+        EXPECT_EQ(tree.read("to/copy/" + name), name);
+    }
+    const std::vector<path_t> found = velmor2::find_files(tree.path("to/copy"), L"*.txt", true);
+    EXPECT_EQ(found.size(), std::size(names));
+    for (const path_t& file : found) {
+        EXPECT_TRUE(file.is_exists());
+    }
     EXPECT_FALSE(tree.has("to/copy/.git") || tree.has("to/copy/.profile") ||
                  tree.has("to/copy/sub/.hidden"));
-}
-
-TEST(copy_directory, refusals_and_the_first_existing_target_file) {
-    temp_tree_t tree;
-    tree.write("from/a.txt", "new");
-    tree.write("file");
-    tree.write("to/a.txt", "old");
-    EXPECT_FALSE(velmor2::copy_directory(tree.path("missing"), tree.path("new")));
-    EXPECT_FALSE(velmor2::copy_directory(tree.path("file"), tree.path("new")));
-    EXPECT_FALSE(tree.has("new"));
     // An existing target file stops the copy and keeps its content.
-    EXPECT_FALSE(velmor2::copy_directory(tree.path("from"), tree.path("to")));
-    EXPECT_EQ(tree.read("to/a.txt"), "old");
+    tree.write("to/copy/a.txt", "old");
+    EXPECT_FALSE(velmor2::copy_directory(tree.path("from"), tree.path("to/copy")));
+    EXPECT_EQ(tree.read("to/copy/a.txt"), "old");
+    EXPECT_TRUE(velmor2::remove_directory(tree.path("from"), true));
+    EXPECT_FALSE(tree.has("from"));
 }
 
 TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_not) {
     temp_tree_t tree;
     tree.write("s/sub/a.txt", "a");
+    tree.write("file");
     const working_dir_guard_t guard;
     ASSERT_TRUE(velmor2::stdpaths::set_working_dir(tree.path()));
 #if !defined(_WIN32)
@@ -214,6 +219,8 @@ TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_
         bool copied;
     };
     const case_t cases[] = {
+        {L"missing", L"new", false},
+        {L"file", L"new", false},
         {L"s", tree.native("s/backup").wstring(), false},
         {L"s", L"s", false},
         {L"s/sub", L"s/../s/sub/x/y", false},
@@ -228,7 +235,8 @@ TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_
         EXPECT_EQ(velmor2::copy_directory(path_t(c.from), path_t(c.to)), c.copied);
     }
     EXPECT_EQ(tree.read("s/sub2/a.txt"), "a");
-    EXPECT_FALSE(tree.has("s/backup") || tree.has("s/sub/x") || tree.has("s/copy"));
+    EXPECT_FALSE(tree.has("new") || tree.has("s/backup") || tree.has("s/sub/x") ||
+                 tree.has("s/copy"));
 }
 
 TEST(match_pattern, pattern_comes_first) {
