@@ -183,21 +183,25 @@ TEST(links_race, a_folder_swapped_for_a_link_never_leads_the_removal_outside) {
     const snapshot_t outside = snapshot_of(tree.native("outside"));
     const std::string sub = tree.native("t/sub").string();
     const std::string real = tree.native("t/real").string();
-    const std::string link = tree.native("t/link").string();
-    for (int run = 0; run < 30; ++run) {
+    for (int run = 0; run < 50; ++run) {
         for (int i = 0; i < 30; ++i) {
             tree.write("t/sub/f" + std::to_string(i));
         }
-        ::symlink(tree.native("outside").c_str(), link.c_str());
         std::atomic<bool> stop(false);
+        std::atomic<int> swaps(0);
+        // `sub` is now the folder, now a fresh link to `outside`.
         std::thread swapper([&] {
             while (!stop) {
                 ::rename(sub.c_str(), real.c_str());
-                ::rename(link.c_str(), sub.c_str());
-                ::rename(sub.c_str(), link.c_str());
+                ::symlink(tree.native("outside").c_str(), sub.c_str());
+                ++swaps;
+                ::unlink(sub.c_str());
                 ::rename(real.c_str(), sub.c_str());
             }
         });
+        // The removal starts once the swapping runs, not before the thread has started.
+        while (swaps == 0) {
+        }
         velmor2::remove_directory(tree.path("t"), true);
         stop = true;
         swapper.join();
