@@ -13,9 +13,9 @@ namespace os = _internal::os;
 
 // How emptying a directory ended.
 enum class emptied_t {
-    all,               // nothing is left: the directory itself may go
+    all,                // nothing is left: the directory itself may go
     sub_directory_kept, // a sub-directory stayed: reported upward as success
-    file_kept,         // an entry other than a directory could not be deleted
+    file_kept,          // an entry other than a directory could not be deleted
 };
 
 bool remove_sub_directory(os::directory_t& parent, const os::native_name_t& name,

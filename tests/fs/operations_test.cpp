@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 #include <string>
 
-
 namespace {
 
 namespace fs = std::filesystem;
@@ -58,11 +57,9 @@ TEST(create_directory, makes_every_missing_level_and_accepts_what_exists) {
         bool target_is_dir_afterwards;
     };
     const case_t cases[] = {
-        {"a/b/c/d", true, true},
-        {"a", true, true},
-        {"f", true, false}, // an existing plain file counts as made
-        {"f/x/y", false, false},
-        {"n1/../n2", true, true}, // both made, as mkdir -p does
+        {"a/b/c/d", true, true}, {"a", true, true},
+        {"f", true, false},                                // an existing plain file counts as made
+        {"f/x/y", false, false}, {"n1/../n2", true, true}, // both made, as mkdir -p does
     };
     for (const case_t& c : cases) {
         SCOPED_TRACE(c.target);

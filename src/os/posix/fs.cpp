@@ -145,8 +145,8 @@ bool copy_regular(int from, const char* name, int to, const char* to_name, int l
         errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
         return false;
     }
-    fd_t out(fs_calls().openat(to, to_name,
-                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    fd_t out(
+        fs_calls().openat(to, to_name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (out.get() < 0) {
         return false;
     }
@@ -164,7 +164,7 @@ bool same_entry(const struct stat& a, const struct stat& b) {
 }
 
 entry_type_t type_of_mode(mode_t mode) {
-    return S_ISDIR(mode) ? entry_type_t::directory
+    return S_ISDIR(mode)   ? entry_type_t::directory
            : S_ISLNK(mode) ? entry_type_t::link
            : S_ISREG(mode) ? entry_type_t::file
                            : entry_type_t::special;
@@ -178,9 +178,8 @@ fs_calls_t& fs_calls() {
 }
 
 const fs_calls_t& real_fs_calls() {
-    static const fs_calls_t calls = {::mkdir,  ::rmdir,   ::unlink,   rename_no_replace,
-                                     open_call, ::read,   ::write,    ::mkdirat,
-                                     ::unlinkat, openat_call};
+    static const fs_calls_t calls = {::mkdir, ::rmdir, ::unlink,  rename_no_replace, open_call,
+                                     ::read,  ::write, ::mkdirat, ::unlinkat,        openat_call};
     return calls;
 }
 
@@ -234,8 +233,8 @@ bool remove_link(const std::wstring& text) {
 }
 
 bool copy_file(const std::wstring& from, const std::wstring& to) {
-    return copy_regular(AT_FDCWD, native_bytes(from).c_str(), AT_FDCWD,
-                        native_bytes(to).c_str(), 0);
+    return copy_regular(AT_FDCWD, native_bytes(from).c_str(), AT_FDCWD, native_bytes(to).c_str(),
+                        0);
 }
 
 bool move_entry(const std::wstring& from, const std::wstring& to) {
@@ -334,7 +333,8 @@ bool directory_t::open(const std::wstring& text, bool follow_link) {
 }
 
 bool directory_t::open(const directory_t& parent, const native_name_t& name) {
-    return state_->take(fs_calls().openat(parent.state_->fd.get(), name.c_str(), directory_flags, 0));
+    return state_->take(
+        fs_calls().openat(parent.state_->fd.get(), name.c_str(), directory_flags, 0));
 }
 
 bool directory_t::next(directory_entry_t& entry) {

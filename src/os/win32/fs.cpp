@@ -35,8 +35,9 @@ std::wstring join(const std::wstring& dir, const std::wstring& name) {
 
 // The final path of an existing directory, links resolved, in lower case.
 std::wstring final_path(const std::wstring& text) {
-    const HANDLE h = CreateFileW(text.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                 nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE h =
+        CreateFileW(text.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (h == INVALID_HANDLE_VALUE) {
         return std::wstring();
     }
@@ -157,9 +158,8 @@ bool directory_t::open(const std::wstring& text, bool follow_link) {
 bool directory_t::open(const directory_t& parent, const native_name_t& name) {
     const std::wstring child = join(parent.state_->text, name);
     const DWORD attributes = GetFileAttributesW(child.c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES &&
-           (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 && !is_link(child) &&
-           state_->take(child);
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+           !is_link(child) && state_->take(child);
 }
 
 bool directory_t::next(directory_entry_t& entry) {
@@ -205,7 +205,8 @@ bool directory_t::create_directory(const native_name_t& name) {
 }
 
 bool directory_t::copy_file(const native_name_t& name, const directory_t& target) const {
-    return velmor2::_internal::os::copy_file(join(state_->text, name), join(target.state_->text, name));
+    return velmor2::_internal::os::copy_file(join(state_->text, name),
+                                             join(target.state_->text, name));
 }
 
 bool directory_t::copy_link(const native_name_t& name, const directory_t& target) const {
