@@ -86,7 +86,8 @@ public:
     /// absolute or UNC. An empty path becomes a copy of `other`.
     bool append(const path_t& other);
 
-    /// The printed form; `\\?\` is put in front when it reaches 248 characters.
+    /// The printed form; `\\?\` is put in front of a drive or server path when it reaches 248
+    /// characters (never of a POSIX or relative one, which it would turn into another path).
     ///
     ///   c:x        => c:\x
     ///   /          => \ (the root)
@@ -163,7 +164,8 @@ public:
     /// `is_directory(as_string())`.
     bool is_directory() const;
     /// Whether the caller could not write to `text`. `unknown` is true when the check could not
-    /// be made (a missing path), and `read_only` is then false.
+    /// be made (a missing path), and `read_only` is then false. An entry the caller may not
+    /// even reach (access denied) is read-only.
     static void readonly(const std::wstring& text, bool& read_only, bool& unknown);
     /// `read_only` of `readonly(as_string())`; false for the empty path.
     bool is_readonly() const;

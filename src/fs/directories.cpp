@@ -1,5 +1,5 @@
 // Creating, removing and renaming directories, and deleting files.
-#include "fs/entry_path.hpp"
+#include "fs/tree_walk.hpp"
 #include "os/fs.hpp"
 
 #include <velmor2/file_system.hpp>
@@ -11,53 +11,62 @@ namespace {
 
 namespace os = _internal::os;
 
-// Removes what the entries of `dir` are, then `dir`; the caller has checked it is a directory.
-bool remove_tree(const path_t& dir, const std::wstring& text) {
-    // On POSIX a directory without write permission keeps its entries; clearing the flag first
-    // makes the removal behave as it does on Windows, where the flag does not protect entries.
-    os::reset_attributes(text);
-    bool sub_directory_failed = false;
-    {
-        os::directory_search_t search(text);
-        if (!search.is_open()) {
-            return true;
-        }
-        os::directory_entry_t entry;
-        while (search.next(entry)) {
-            if (entry.name == L"." || entry.name == L"..") {
-                continue;
+// How emptying a directory ended.
+enum class emptied_t {
+    all,                // nothing is left: the directory itself may go
+    sub_directory_kept, // a sub-directory stayed: reported upward as success
+    file_kept,          // an entry other than a directory could not be deleted
+};
+
+bool remove_sub_directory(os::directory_t& parent, const os::native_name_t& name,
+                          std::size_t depth);
+
+// Deletes the entries of the open `dir` by their system names, whatever they hold; links go
+// themselves. Nothing is reached by a path, so nothing outside the tree is ever touched, even
+// when a directory is swapped for a link while this runs.
+emptied_t empty_directory(os::directory_t& dir, std::size_t depth) {
+    dir.make_writable();
+    bool sub_directory_kept = false;
+    os::directory_entry_t entry;
+    while (dir.next(entry)) {
+        if (entry.type == os::entry_type_t::directory) {
+            if (!remove_sub_directory(dir, entry.native, depth + 1)) {
+                sub_directory_kept = true;
             }
-            path_t child(dir);
-            if (!_internal::append_entry(child, entry.name)) {
-                return false;
-            }
-            const std::wstring child_text = child.as_string();
-            switch (entry.type) {
-            case os::entry_type_t::link:
-                if (!os::remove_link(child_text)) {
-                    return false;
-                }
-                break;
-            case os::entry_type_t::file:
-                os::reset_attributes(child_text);
-                if (!os::delete_file(child_text)) {
-                    return false;
-                }
-                break;
-            case os::entry_type_t::directory:
-                // Reported upward as success: only the ancestors of the failure stay.
-                if (!remove_directory(child, true)) {
-                    sub_directory_failed = true;
-                }
-                break;
-            }
+        } else if (!dir.remove(entry.native, entry.type)) {
+            return emptied_t::file_kept;
         }
     }
-    if (sub_directory_failed) {
+    return sub_directory_kept ? emptied_t::sub_directory_kept : emptied_t::all;
+}
+
+// What the recursive removal of the sub-directory `name` of `parent` returns.
+bool remove_sub_directory(os::directory_t& parent, const os::native_name_t& name,
+                          std::size_t depth) {
+    os::directory_t dir;
+    if (!dir.open(parent, name)) {
+        // Replaced by something else since it was listed (a link, say): that goes itself. A
+        // directory that cannot be read stays and counts as done, as one at the top does.
+        parent.remove(name, os::entry_type_t::file);
         return true;
     }
-    os::reset_attributes(text);
-    return os::remove_directory(text);
+    const bool release = depth >= _internal::open_levels;
+    if (release) {
+        parent.release();
+    }
+    const emptied_t emptied = empty_directory(dir, depth);
+    if (release && !parent.reacquire(dir)) {
+        return false;
+    }
+    switch (emptied) {
+    case emptied_t::all:
+        return parent.remove(name, os::entry_type_t::directory);
+    case emptied_t::sub_directory_kept:
+        return true;
+    case emptied_t::file_kept:
+        break;
+    }
+    return false;
 }
 
 } // namespace
@@ -83,8 +92,10 @@ bool create_directory(const path_t& dir) {
         }
         current = path_t(branch);
     }
+    // `n1/../n2` names n2 once n1 exists: each level is made unless an earlier one made it.
     for (auto level = pending.rbegin(); level != pending.rend(); ++level) {
-        if (!os::create_directory(level->as_string(), error)) {
+        if (!os::create_directory(level->as_string(), error) &&
+            (error != error_kind_t::already_exists || !level->is_directory())) {
             return false;
         }
     }
@@ -106,7 +117,23 @@ bool remove_directory(const path_t& dir, bool recursive) {
     if (os::is_link(text)) {
         return os::remove_link(text);
     }
-    return remove_tree(dir, text);
+    emptied_t emptied;
+    {
+        os::directory_t top;
+        if (!top.open(text, false)) {
+            return true;
+        }
+        emptied = empty_directory(top, 0);
+    }
+    switch (emptied) {
+    case emptied_t::all:
+        return os::remove_directory(text);
+    case emptied_t::sub_directory_kept:
+        return true;
+    case emptied_t::file_kept:
+        break;
+    }
+    return false;
 }
 
 bool rename_directory(const path_t& from, const path_t& to) {
@@ -122,8 +149,9 @@ bool rename_directory(const path_t& from, const path_t& to) {
 }
 
 bool remove_file(const path_t& file) {
+    // The entry itself: a dangling link, which find_files lists, can be removed too.
     const std::wstring text = file.as_string();
-    if (!path_t::exists(text) || text.empty()) {
+    if (text.empty() || !os::entry_exists(text)) {
         return false;
     }
     return os::delete_file(text);

@@ -1,5 +1,6 @@
 // Finding files by wildcard, and matching a path against a wildcard.
 #include "fs/entry_path.hpp"
+#include "fs/tree_walk.hpp"
 #include "fs/wildcard.hpp"
 #include "os/fs.hpp"
 
@@ -10,9 +11,17 @@ namespace {
 
 namespace os = _internal::os;
 
-// path_t prints texts shorter than this without the long-path prefix (which starts at 248);
-// longer entry paths are printed by path_t itself.
-constexpr std::size_t short_text_limit = 240;
+// The printed text without the long-path prefix, which only tells Windows how to read a long
+// text and must never decide a match: a pattern and a path on either side of the length at
+// which it starts would otherwise never match.
+std::wstring match_text(const path_t& path) {
+    static const std::wstring prefix = L"\\\\?\\";
+    std::wstring text = path.as_string();
+    if (text.compare(0, prefix.size(), prefix) == 0) {
+        text.erase(0, prefix.size());
+    }
+    return text;
+}
 
 // One search: the pattern parsed once, the matches gathered in search order.
 class finder_t {
@@ -22,29 +31,24 @@ class finder_t {
 
     void search(const path_t& dir) {
         const std::wstring dir_text = dir.as_string();
-        if (!dir_text.empty() && path_t::exists(dir_text)) {
-            walk(dir, dir_text);
+        os::directory_t entries;
+        if (!dir_text.empty() && path_t::exists(dir_text) && entries.open(dir_text, true)) {
+            walk(dir, entries, 0);
         }
     }
 
   private:
-    // Sub-directories come here straight from their parent's enumeration, which has just said
-    // they are directories; one that vanished since then simply cannot be opened.
-    void walk(const path_t& dir, const std::wstring& dir_text) {
-        os::directory_search_t entries(dir_text);
-        if (!entries.is_open()) {
-            return;
-        }
+    // Sub-directories are opened relative to their parent, never through a link.
+    void walk(const path_t& dir, os::directory_t& entries, std::size_t depth) {
         // Matching is against the full text, as path_t::match of each entry path would do,
         // with the wildcard prepared once for the directory.
         path_t full_pattern(dir);
         full_pattern.append(pattern_);
-        const _internal::wildcard_t wildcard(full_pattern.as_string());
+        const _internal::wildcard_t wildcard(match_text(full_pattern));
 
         // An entry's text is the directory's text, a separator and the name, built in one
         // buffer instead of printing a path per entry.
-        const bool fast = dir_text.size() < short_text_limit;
-        std::wstring text = dir_text;
+        std::wstring text = match_text(dir);
         if (text.back() != path_t::get_separator_char()) {
             text += path_t::get_separator_char();
         }
@@ -54,50 +58,34 @@ class finder_t {
 
         os::directory_entry_t entry;
         while (entries.next(entry)) {
-            if (entry.name == L"." || entry.name == L"..") {
-                continue;
-            }
             if (entry.type == os::entry_type_t::directory) {
                 path_t child(dir);
-                if (recursive_ && _internal::append_entry(child, entry.name)) {
-                    walk(child, child.as_string());
+                os::directory_t sub;
+                if (recursive_ && _internal::append_entry(child, entry.name) &&
+                    sub.open(entries, entry.native)) {
+                    const bool release = depth + 1 >= _internal::open_levels;
+                    if (release) {
+                        entries.release();
+                    }
+                    walk(child, sub, depth + 1);
+                    if (release && !entries.reacquire(sub)) {
+                        return;
+                    }
                 }
+                continue;
+            }
+            // A link is judged by its target: a linked directory is neither listed nor entered.
+            if (entry.type == os::entry_type_t::link && entries.leads_to_directory(entry.native)) {
                 continue;
             }
             text.resize(base_size);
             text += entry.name;
-            if (!fast || text.size() >= short_text_limit) {
-                add_if_match(dir, entry, wildcard);
-                continue;
-            }
-            // The entry type is certain for plain files; a link is judged by its target and a
-            // linked directory is neither listed nor entered.
-            if (entry.type == os::entry_type_t::link && path_t::is_directory(text)) {
-                continue;
-            }
             if (wildcard.match(text, known)) {
                 path_t child(dir);
                 if (_internal::append_entry(child, entry.name)) {
                     found_.push_back(std::move(child));
                 }
             }
-        }
-    }
-
-  private:
-    // The slow way for long texts: print the entry path itself.
-    void add_if_match(const path_t& dir, const os::directory_entry_t& entry,
-                      const _internal::wildcard_t& wildcard) {
-        path_t child(dir);
-        if (!_internal::append_entry(child, entry.name)) {
-            return;
-        }
-        const std::wstring text = child.as_string();
-        if (entry.type == os::entry_type_t::link && path_t::is_directory(text)) {
-            return;
-        }
-        if (wildcard.match(text)) {
-            found_.push_back(std::move(child));
         }
     }
 
@@ -115,7 +103,7 @@ std::vector<path_t> find_files(const path_t& dir, const std::wstring& pattern, b
 }
 
 bool match_pattern(const path_t& pattern, const path_t& file) {
-    return file.match(pattern.as_string());
+    return _internal::wildcard_t(match_text(pattern)).match(match_text(file));
 }
 
 } // namespace velmor2

@@ -15,7 +15,11 @@ path_t directory_of(const std::wstring& file) {
 
 path_t config_dir(os::folder_t folder, const std::wstring& name) {
     path_t dir(os::get_folder(folder));
-    if (dir.is_empty() || name.empty()) {
+    // A file where the folder should be (a mistaken XDG_CONFIG_HOME) makes it unavailable.
+    if (dir.is_empty() || !dir.is_directory()) {
+        return path_t();
+    }
+    if (name.empty()) {
         return dir;
     }
     const path_t levels(name);

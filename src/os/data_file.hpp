@@ -7,8 +7,9 @@
 
 namespace velmor2::_internal::os {
 
-/// An open file handle, closed when the object goes away. Other processes may read and write
-/// the file while it is open. Directories cannot be opened.
+/// An open regular file, closed when the object goes away. Other processes may read and write
+/// the file while it is open. Anything else (a directory, FIFO, device) is refused at once,
+/// without waiting for a writer.
 class data_file_t {
   public:
     data_file_t() = default;
@@ -21,8 +22,10 @@ class data_file_t {
     /// Creates or truncates the file of the printed path text for writing.
     bool open_write(const std::wstring& printed);
 
-    /// The current size of the open file in bytes.
-    bool size(std::uint64_t& bytes) const;
+    /// The current size of the open file in bytes. A file the system reports empty is read to
+    /// its end to be sure (files under /proc have content and size 0); `read` then gives those
+    /// bytes.
+    bool size(std::uint64_t& bytes);
     /// Reads up to `size` bytes, fewer only at the end of the file; false on a read error.
     bool read(void* buffer, std::size_t size, std::size_t& got);
     /// Writes all `size` bytes; false on a write error.
@@ -30,6 +33,8 @@ class data_file_t {
 
   private:
     std::intptr_t handle_ = -1;
+    std::string read_ahead_;
+    std::size_t served_ = 0;
 };
 
 } // namespace velmor2::_internal::os

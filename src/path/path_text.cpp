@@ -50,7 +50,9 @@ void print_into(std::wstring& out, const model_t& model, std::size_t count) {
             out += *it;
         }
     }
-    if (out.size() >= long_path_length) {
+    // Only a drive or server path can carry the prefix: on a rooted POSIX or a relative path
+    // Windows would misread it, and parsing the text again would give another path.
+    if (out.size() >= long_path_length && model.windows && model.absolute) {
         out.insert(0, long_path_prefix);
     }
 }

@@ -165,7 +165,7 @@ TEST_F(path_status, long_texts_reach_the_system_without_the_prefix) {
         relative += (i == 0 ? "" : "/") + std::string(100, static_cast<char>('a' + i));
     }
     const path_t deep = dir_.make_dir(relative);
-    ASSERT_EQ(deep.as_string().compare(0, 4, L"\\\\?\\"), 0);
+    ASSERT_GE(deep.as_string().size(), 248u);
     EXPECT_TRUE(deep.is_exists());
     EXPECT_TRUE(deep.is_directory());
     // A name too long for the system is not there.

@@ -20,24 +20,34 @@ int run(const std::vector<std::wstring>& args) {
         err(L"usage: velmor dirs [NAME]\n");
         return exit_usage;
     }
+    const velmor2::path_t name(args.empty() ? std::wstring() : args[0] + L".xml");
+    if (!args.empty() && (name.is_empty() || name.is_absolute())) {
+        err(L"velmor dirs: '" + args[0] + L"' cannot name a file in a folder\n");
+        return exit_usage;
+    }
     show(L"executable", stdpaths::get_executable_dir());
     show(L"module", stdpaths::get_module_dir(reinterpret_cast<const void*>(&run)));
     show(L"temporary", stdpaths::get_temp_dir());
     show(L"documents", stdpaths::get_documents_dir());
-    show(L"user config", stdpaths::get_user_config_dir(std::wstring()));
+    const velmor2::path_t user_config = stdpaths::get_user_config_dir(std::wstring());
+    show(L"user config", user_config);
     show(L"shared config", stdpaths::get_shared_config_dir(std::wstring()));
     show(L"working", stdpaths::get_working_dir());
+    if (user_config.is_empty()) {
+        return exit_failed;
+    }
     if (args.empty()) {
         return exit_ok;
     }
-    if (velmor2::path_t(args[0] + L".xml").is_empty()) {
-        err(L"velmor dirs: '" + args[0] + L"' cannot name a file\n");
-        return exit_usage;
+    // Asked first: without the per-user folder the locator would answer, and create, a folder
+    // under the working directory.
+    if (stdpaths::get_user_config_dir(L"Norvane\\velmor").is_empty()) {
+        show(L"user config file", velmor2::path_t());
+        return exit_failed;
     }
     const velmor2::config_manager_t manager(stdpaths::get_executable_dir().as_string(), L"velmor");
-    const velmor2::path_t file = manager.user_config(args[0]);
-    show(L"user config file", file);
-    return file.is_empty() ? exit_failed : exit_ok;
+    show(L"user config file", manager.user_config(args[0]));
+    return exit_ok;
 }
 
 const command_registrar_t registered(

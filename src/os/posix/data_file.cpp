@@ -3,7 +3,9 @@
 #include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +13,8 @@
 namespace velmor2::_internal::os {
 namespace {
 
+// Opens without blocking (a FIFO would wait for a writer) and keeps regular files only: a
+// device such as /dev/zero never ends.
 int open_file(const std::wstring& printed, int flags) {
     const std::string native = native_bytes(printed);
     if (native.empty()) {
@@ -18,17 +22,34 @@ int open_file(const std::wstring& printed, int flags) {
     }
     int fd;
     do {
-        fd = ::open(native.c_str(), flags | O_CLOEXEC, 0666);
+        fd = ::open(native.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
     } while (fd < 0 && errno == EINTR);
     if (fd < 0) {
         return -1;
     }
     struct stat st;
-    if (::fstat(fd, &st) != 0 || S_ISDIR(st.st_mode)) {
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         ::close(fd);
         return -1;
     }
     return fd;
+}
+
+bool read_fd(int fd, char* out, std::size_t size, std::size_t& got) {
+    while (got < size) {
+        const ssize_t n = ::read(fd, out + got, size - got);
+        if (n < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            return false;
+        }
+        if (n == 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(n);
+    }
+    return true;
 }
 
 } // namespace
@@ -49,32 +70,36 @@ bool data_file_t::open_write(const std::wstring& printed) {
     return handle_ >= 0;
 }
 
-bool data_file_t::size(std::uint64_t& bytes) const {
+bool data_file_t::size(std::uint64_t& bytes) {
     struct stat st;
     if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &st) != 0) {
         return false;
+    }
+    if (st.st_size == 0 && read_ahead_.empty() && served_ == 0) {
+        char chunk[4096];
+        for (;;) {
+            std::size_t got = 0;
+            if (!read_fd(static_cast<int>(handle_), chunk, sizeof chunk, got)) {
+                return false;
+            }
+            read_ahead_.append(chunk, got);
+            if (got < sizeof chunk) {
+                break;
+            }
+        }
+        bytes = read_ahead_.size();
+        return true;
     }
     bytes = static_cast<std::uint64_t>(st.st_size);
     return true;
 }
 
 bool data_file_t::read(void* buffer, std::size_t size, std::size_t& got) {
-    got = 0;
     char* out = static_cast<char*>(buffer);
-    while (got < size) {
-        const ssize_t n = ::read(static_cast<int>(handle_), out + got, size - got);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        if (n == 0) {
-            break;
-        }
-        got += static_cast<std::size_t>(n);
-    }
-    return true;
+    got = std::min(size, read_ahead_.size() - served_);
+    std::memcpy(out, read_ahead_.data() + served_, got);
+    served_ += got;
+    return read_fd(static_cast<int>(handle_), out, size, got);
 }
 
 bool data_file_t::write(const void* data, std::size_t size) {

@@ -23,22 +23,34 @@ std::wstring native_text(const std::wstring& printed) {
     return out;
 }
 
-std::string native_bytes(const std::wstring& printed) {
-    return to_utf8(native_text(printed));
-}
-
 namespace {
 
-// A text with a NUL in it names nothing: the system would read only the part before it.
-bool names_an_entry(const std::string& native) {
-    return native.find('\0') == std::string::npos;
+bool is_separator(wchar_t c) {
+    return c == L'/' || c == L'\\';
+}
+
+// A drive (`C:`) or server (`//srv`) has no meaning here; taken as it stands it would name a
+// folder of that name under the working directory.
+bool is_windows_root(const std::wstring& native) {
+    return (native.size() >= 2 && native[1] == L':') ||
+           (native.size() >= 3 && is_separator(native[0]) && is_separator(native[1]) &&
+            !is_separator(native[2]));
 }
 
 } // namespace
 
+std::string native_bytes(const std::wstring& printed) {
+    const std::wstring native = native_text(printed);
+    // A text with a NUL in it would reach the system cut at the NUL, naming another entry.
+    if (native.find(L'\0') != std::wstring::npos || is_windows_root(native)) {
+        return std::string();
+    }
+    return to_utf8(native);
+}
+
 bool get_attributes(const std::wstring& text, attributes_t& attributes, error_kind_t& error) {
     const std::string native = native_bytes(text);
-    if (!names_an_entry(native)) {
+    if (native.empty()) {
         error = error_kind_t::bad_name;
         return false;
     }
@@ -65,8 +77,13 @@ bool is_cdrom_drive(wchar_t) {
 write_access_t check_write_access(const std::wstring& text) {
     const std::string native = native_bytes(text);
     struct stat st;
-    if (!names_an_entry(native) || ::stat(native.c_str(), &st) != 0) {
+    if (native.empty()) {
         return write_access_t::unknown;
+    }
+    if (::stat(native.c_str(), &st) != 0) {
+        // What the caller may not even look at, it may not write either.
+        return errno == EACCES || errno == EPERM ? write_access_t::read_only
+                                                 : write_access_t::unknown;
     }
     if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
         return write_access_t::read_only;

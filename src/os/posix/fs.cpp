@@ -1,10 +1,11 @@
-// Directory and file operations on POSIX: mkdir, rmdir, unlink, rename, chmod, a copy loop and
-// readdir.
+// Directory and file operations on POSIX: mkdir, rmdir, unlink, rename, a copy loop, and the
+// walks relative to an open directory (openat, fstatat, unlinkat) that never follow a link.
 #include "os/fs.hpp"
 #include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 #include "unicode/convert.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <dirent.h>
@@ -17,9 +18,14 @@ namespace velmor2::_internal::os {
 namespace {
 
 constexpr mode_t write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr int directory_flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 int open_call(const char* path, int flags, mode_t mode) {
     return ::open(path, flags, mode);
+}
+
+int openat_call(int dir, const char* name, int flags, mode_t mode) {
+    return ::openat(dir, name, flags, mode);
 }
 
 int rename_no_replace(const char* from, const char* to) {
@@ -38,17 +44,25 @@ int rename_no_replace(const char* from, const char* to) {
 // Closes a descriptor on every way out, keeping errno of the failure being reported.
 class fd_t {
   public:
-    explicit fd_t(int fd) : fd_(fd) {}
-    ~fd_t() {
+    explicit fd_t(int fd = -1) : fd_(fd) {}
+    ~fd_t() { reset(-1); }
+    fd_t(const fd_t&) = delete;
+    fd_t& operator=(const fd_t&) = delete;
+    int get() const { return fd_; }
+    void reset(int fd) {
         if (fd_ >= 0) {
             const int saved = errno;
             ::close(fd_);
             errno = saved;
         }
+        fd_ = fd;
     }
-    fd_t(const fd_t&) = delete;
-    fd_t& operator=(const fd_t&) = delete;
-    int get() const { return fd_; }
+    // Hands the descriptor over to the caller.
+    int take() {
+        const int fd = fd_;
+        fd_ = -1;
+        return fd;
+    }
     // Closes now; false (errno set) when the system reports a late write failure.
     bool close() {
         const int fd = fd_;
@@ -80,8 +94,12 @@ bool write_all(int fd, const void* bytes, std::size_t size) {
 
 namespace {
 
-bool copy_content(int in, int out) {
-    std::vector<char> buffer(1 << 17);
+// The buffer fits the file, up to a limit: a tree of small files is copied without clearing a
+// large buffer for each.
+bool copy_content(int in, int out, off_t size) {
+    const std::size_t largest = 1 << 17;
+    std::vector<char> buffer(std::max<std::size_t>(
+        4096, std::min(largest, static_cast<std::size_t>(std::max<off_t>(size, 0)) + 1)));
     for (;;) {
         const ssize_t got = fs_calls().read(in, buffer.data(), buffer.size());
         if (got == 0) {
@@ -101,7 +119,7 @@ bool copy_content(int in, int out) {
 
 // Content, permission bits and times of the open source into the open, new target.
 bool fill_copy(int in, const struct stat& st, fd_t& out) {
-    if (!copy_content(in, out.get())) {
+    if (!copy_content(in, out.get(), st.st_size)) {
         return false;
     }
     const struct timespec times[2] = {st.st_atim, st.st_mtim};
@@ -109,6 +127,47 @@ bool fill_copy(int in, const struct stat& st, fd_t& out) {
         return false;
     }
     return out.close();
+}
+
+// Copies the regular file `name` of the directory `from` (AT_FDCWD: a path) to the new entry
+// `to_name` of `to`. Non-blocking and without following a link, so that a FIFO is refused
+// instead of waiting for a writer and a link never leads the copy out of a tree.
+bool copy_regular(int from, const char* name, int to, const char* to_name, int link_flag) {
+    const fd_t in(fs_calls().openat(from, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC | link_flag, 0));
+    if (in.get() < 0) {
+        return false;
+    }
+    struct stat st;
+    if (::fstat(in.get(), &st) != 0) {
+        return false;
+    }
+    if (!S_ISREG(st.st_mode)) {
+        errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    fd_t out(
+        fs_calls().openat(to, to_name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (out.get() < 0) {
+        return false;
+    }
+    if (fill_copy(in.get(), st, out)) {
+        return true;
+    }
+    const int saved = errno;
+    ::unlinkat(to, to_name, 0);
+    errno = saved;
+    return false;
+}
+
+bool same_entry(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+entry_type_t type_of_mode(mode_t mode) {
+    return S_ISDIR(mode)   ? entry_type_t::directory
+           : S_ISLNK(mode) ? entry_type_t::link
+           : S_ISREG(mode) ? entry_type_t::file
+                           : entry_type_t::special;
 }
 
 } // namespace
@@ -119,14 +178,19 @@ fs_calls_t& fs_calls() {
 }
 
 const fs_calls_t& real_fs_calls() {
-    static const fs_calls_t calls = {::mkdir, ::rmdir,   ::unlink, rename_no_replace,
-                                     ::chmod, open_call, ::read,   ::write,
-                                     ::fsync, ::rename};
+    static const fs_calls_t calls = {::mkdir,   ::rmdir,    ::unlink,    rename_no_replace,
+                                     open_call, ::read,     ::write,     ::mkdirat,
+                                     ::unlinkat, openat_call, ::fsync,   ::rename};
     return calls;
 }
 
 bool create_directory(const std::wstring& text, error_kind_t& error) {
-    if (fs_calls().mkdir(native_bytes(text).c_str(), 0777) == 0) {
+    const std::string native = native_bytes(text);
+    if (native.empty()) {
+        error = error_kind_t::bad_name;
+        return false;
+    }
+    if (fs_calls().mkdir(native.c_str(), 0777) == 0) {
         error = error_kind_t::none;
         return true;
     }
@@ -155,6 +219,11 @@ bool delete_file(const std::wstring& text) {
     return fs_calls().unlink(native.c_str()) == 0;
 }
 
+bool entry_exists(const std::wstring& text) {
+    struct stat st;
+    return ::lstat(native_bytes(text).c_str(), &st) == 0;
+}
+
 bool is_link(const std::wstring& text) {
     struct stat st;
     return ::lstat(native_bytes(text).c_str(), &st) == 0 && S_ISLNK(st.st_mode);
@@ -164,103 +233,176 @@ bool remove_link(const std::wstring& text) {
     return fs_calls().unlink(native_bytes(text).c_str()) == 0;
 }
 
-bool reset_attributes(const std::wstring& text) {
-    const std::string native = native_bytes(text);
-    struct stat st;
-    if (::lstat(native.c_str(), &st) != 0) {
-        return false;
-    }
-    if (S_ISLNK(st.st_mode) || (st.st_mode & S_IWUSR) != 0) {
-        return true;
-    }
-    return fs_calls().chmod(native.c_str(), (st.st_mode & 07777) | S_IWUSR) == 0;
-}
-
 bool copy_file(const std::wstring& from, const std::wstring& to) {
-    // Non-blocking so that a FIFO is refused below instead of waiting for a writer.
-    const fd_t in(
-        fs_calls().open(native_bytes(from).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0));
-    if (in.get() < 0) {
-        return false;
-    }
-    struct stat st;
-    if (::fstat(in.get(), &st) != 0) {
-        return false;
-    }
-    if (!S_ISREG(st.st_mode)) {
-        errno = S_ISDIR(st.st_mode) ? EISDIR : EINVAL;
-        return false;
-    }
-    const std::string target = native_bytes(to);
-    fd_t out(fs_calls().open(target.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (out.get() < 0) {
-        return false;
-    }
-    if (fill_copy(in.get(), st, out)) {
-        return true;
-    }
-    const int saved = errno;
-    ::unlink(target.c_str());
-    errno = saved;
-    return false;
+    return copy_regular(AT_FDCWD, native_bytes(from).c_str(), AT_FDCWD, native_bytes(to).c_str(),
+                        0);
 }
 
 bool move_entry(const std::wstring& from, const std::wstring& to) {
     return fs_calls().rename(native_bytes(from).c_str(), native_bytes(to).c_str()) == 0;
 }
 
-struct directory_search_t::state_t {
-    DIR* dir = nullptr;
+bool is_same_or_inside(const std::wstring& inner, const std::wstring& outer) {
+    struct stat wanted;
+    if (::stat(native_bytes(outer).c_str(), &wanted) != 0) {
+        return false;
+    }
+    // Up through `..` until the directory itself or the root, which is its own parent.
+    fd_t level(::open(native_bytes(inner).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    struct stat st;
+    while (level.get() >= 0 && ::fstat(level.get(), &st) == 0) {
+        if (same_entry(st, wanted)) {
+            return true;
+        }
+        fd_t parent(::openat(level.get(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        struct stat up;
+        if (parent.get() < 0 || ::fstat(parent.get(), &up) != 0 || same_entry(up, st)) {
+            return false;
+        }
+        level.reset(parent.take());
+    }
+    return false;
+}
+
+struct directory_t::state_t {
+    fd_t fd;
+    struct stat identity = {};
+    std::vector<directory_entry_t> entries;
+    std::size_t next = 0;
+
+    // Takes the open directory `fd` and reads all its entries at once: the walks change the
+    // directory while they go through it.
+    bool take(int descriptor) {
+        fd.reset(descriptor);
+        if (descriptor < 0 || ::fstat(descriptor, &identity) != 0) {
+            return false;
+        }
+        const int listing = ::dup(descriptor);
+        DIR* dir = listing < 0 ? nullptr : ::fdopendir(listing);
+        if (dir == nullptr) {
+            if (listing >= 0) {
+                ::close(listing);
+            }
+            return false;
+        }
+        while (const dirent* found = ::readdir(dir)) {
+            const char* name = found->d_name;
+            if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
+                continue;
+            }
+            directory_entry_t entry;
+            entry.native = name;
+            entry.name = to_ustring(name);
+            if (to_utf8(entry.name) != entry.native) {
+                entry.name.clear();
+            }
+            switch (found->d_type) {
+            case DT_DIR:
+                entry.type = entry_type_t::directory;
+                break;
+            case DT_LNK:
+                entry.type = entry_type_t::link;
+                break;
+            case DT_REG:
+                entry.type = entry_type_t::file;
+                break;
+            case DT_UNKNOWN: {
+                struct stat st;
+                entry.type = ::fstatat(descriptor, name, &st, AT_SYMLINK_NOFOLLOW) == 0
+                                 ? type_of_mode(st.st_mode)
+                                 : entry_type_t::file;
+                break;
+            }
+            default:
+                entry.type = entry_type_t::special;
+            }
+            entries.push_back(std::move(entry));
+        }
+        ::closedir(dir);
+        return true;
+    }
 };
 
-directory_search_t::directory_search_t(const std::wstring& text) : state_(new state_t) {
-    state_->dir = ::opendir(native_bytes(text).c_str());
+directory_t::directory_t() : state_(new state_t) {}
+
+directory_t::~directory_t() = default;
+
+bool directory_t::open(const std::wstring& text, bool follow_link) {
+    const std::string native = native_bytes(text);
+    const int flags = follow_link ? O_RDONLY | O_DIRECTORY | O_CLOEXEC : directory_flags;
+    return !native.empty() && state_->take(fs_calls().openat(AT_FDCWD, native.c_str(), flags, 0));
 }
 
-directory_search_t::~directory_search_t() {
-    if (state_->dir != nullptr) {
-        ::closedir(state_->dir);
-    }
+bool directory_t::open(const directory_t& parent, const native_name_t& name) {
+    return state_->take(
+        fs_calls().openat(parent.state_->fd.get(), name.c_str(), directory_flags, 0));
 }
 
-bool directory_search_t::is_open() const {
-    return state_->dir != nullptr;
-}
-
-bool directory_search_t::next(directory_entry_t& entry) {
-    if (state_->dir == nullptr) {
+bool directory_t::next(directory_entry_t& entry) {
+    if (state_->next >= state_->entries.size()) {
         return false;
     }
-    errno = 0;
-    const dirent* found = ::readdir(state_->dir);
-    if (found == nullptr) {
-        return false;
-    }
-    const char* name = found->d_name;
-    const unsigned char* p = reinterpret_cast<const unsigned char*>(name);
-    while (*p != 0 && *p < 0x80) {
-        ++p;
-    }
-    if (*p == 0) {
-        // Plain ASCII, the usual case: widened in place, reusing the entry's buffer.
-        entry.name.assign(name, reinterpret_cast<const char*>(p));
-    } else {
-        entry.name = to_ustring(name);
-        if (to_utf8(entry.name) != name) {
-            entry.name.clear();
-        }
-    }
-    unsigned char type = found->d_type;
-    if (type == DT_UNKNOWN) {
-        struct stat st;
-        if (::fstatat(::dirfd(state_->dir), name, &st, AT_SYMLINK_NOFOLLOW) == 0) {
-            type = S_ISDIR(st.st_mode) ? DT_DIR : S_ISLNK(st.st_mode) ? DT_LNK : DT_REG;
-        }
-    }
-    entry.type = type == DT_DIR   ? entry_type_t::directory
-                 : type == DT_LNK ? entry_type_t::link
-                                  : entry_type_t::file;
+    entry = std::move(state_->entries[state_->next++]);
     return true;
+}
+
+void directory_t::release() {
+    state_->fd.reset(-1);
+}
+
+bool directory_t::reacquire(const directory_t& child) {
+    const int fd = ::openat(child.state_->fd.get(), "..", directory_flags);
+    struct stat st;
+    if (fd < 0 || ::fstat(fd, &st) != 0 || !same_entry(st, state_->identity)) {
+        if (fd >= 0) {
+            ::close(fd);
+        }
+        return false;
+    }
+    state_->fd.reset(fd);
+    return true;
+}
+
+bool directory_t::leads_to_directory(const native_name_t& name) const {
+    struct stat st;
+    return ::fstatat(state_->fd.get(), name.c_str(), &st, 0) == 0 && S_ISDIR(st.st_mode);
+}
+
+void directory_t::make_writable() {
+    // Without write permission a directory keeps its entries; Windows has no such protection.
+    if ((state_->identity.st_mode & S_IWUSR) == 0) {
+        ::fchmod(state_->fd.get(), (state_->identity.st_mode & 07777) | S_IWUSR);
+    }
+}
+
+bool directory_t::remove(const native_name_t& name, entry_type_t type) {
+    const int flags = type == entry_type_t::directory ? AT_REMOVEDIR : 0;
+    return fs_calls().unlinkat(state_->fd.get(), name.c_str(), flags) == 0;
+}
+
+bool directory_t::create_directory(const native_name_t& name) {
+    return fs_calls().mkdirat(state_->fd.get(), name.c_str(), 0777) == 0;
+}
+
+bool directory_t::copy_file(const native_name_t& name, const directory_t& target) const {
+    return copy_regular(state_->fd.get(), name.c_str(), target.state_->fd.get(), name.c_str(),
+                        O_NOFOLLOW);
+}
+
+bool directory_t::copy_link(const native_name_t& name, const directory_t& target) const {
+    std::vector<char> buffer(256);
+    for (;;) {
+        const ssize_t length =
+            ::readlinkat(state_->fd.get(), name.c_str(), buffer.data(), buffer.size());
+        if (length < 0) {
+            return false;
+        }
+        if (static_cast<std::size_t>(length) < buffer.size()) {
+            const std::string to(buffer.data(), static_cast<std::size_t>(length));
+            return ::symlinkat(to.c_str(), target.state_->fd.get(), name.c_str()) == 0;
+        }
+        buffer.resize(buffer.size() * 2);
+    }
 }
 
 } // namespace velmor2::_internal::os

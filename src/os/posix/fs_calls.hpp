@@ -15,10 +15,13 @@ struct fs_calls_t {
     int (*unlink)(const char* path);
     /// Renames without replacing an existing target.
     int (*rename)(const char* from, const char* to);
-    int (*chmod)(const char* path, mode_t mode);
     int (*open)(const char* path, int flags, mode_t mode);
     ssize_t (*read)(int fd, void* buffer, size_t size);
     ssize_t (*write)(int fd, const void* buffer, size_t size);
+    /// The calls relative to an open directory, with which the tree walks reach entries.
+    int (*mkdirat)(int dir, const char* name, mode_t mode);
+    int (*unlinkat)(int dir, const char* name, int flags);
+    int (*openat)(int dir, const char* name, int flags, mode_t mode);
     /// Flushes a file's or a folder's data to the disk.
     int (*fsync)(int fd);
     /// Renames, replacing an existing target in one step.

@@ -15,13 +15,22 @@ HANDLE to_handle(std::intptr_t value) {
 }
 
 std::intptr_t open_file(const std::wstring& printed, DWORD access, DWORD disposition) {
-    if (printed.empty()) {
+    // A NUL would cut the name short and reach another file.
+    if (printed.empty() || printed.find(L'\0') != std::wstring::npos) {
         return -1;
     }
     const HANDLE h =
         CreateFileW(printed.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return h == INVALID_HANDLE_VALUE ? -1 : reinterpret_cast<std::intptr_t>(h);
+    if (h == INVALID_HANDLE_VALUE) {
+        return -1;
+    }
+    // Only files on a disk: a pipe or a console would block or never end.
+    if (GetFileType(h) != FILE_TYPE_DISK) {
+        CloseHandle(h);
+        return -1;
+    }
+    return reinterpret_cast<std::intptr_t>(h);
 }
 
 } // namespace
@@ -42,7 +51,7 @@ bool data_file_t::open_write(const std::wstring& printed) {
     return handle_ != -1;
 }
 
-bool data_file_t::size(std::uint64_t& bytes) const {
+bool data_file_t::size(std::uint64_t& bytes) {
     LARGE_INTEGER value;
     if (handle_ == -1 || !GetFileSizeEx(to_handle(handle_), &value)) {
         return false;
