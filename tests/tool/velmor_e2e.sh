@@ -140,5 +140,11 @@ expect 1 'velmor tour: what a desktop tool does at start-up*' \
   "velmor tour: '$PWD/home/.config/Norvane/velmor-tour/settings.xml' cannot be read (not well-formed, or being written); left as it is"$'\n' \
   'HOME=$PWD/home XDG_CONFIG_HOME= velmor tour; s=$?; cmp -s home/.config/Norvane/velmor-tour/settings.xml <(printf "<x") && exit $s'
 
+# dirs creates nothing in the working directory when the per-user folder is unavailable.
+cd "$work" && mkdir dirs && cd dirs || exit 1
+expect 1 'executable*' '' \
+  'HOME=/proc/version XDG_CONFIG_HOME=/proc/version/x velmor dirs; s=$?; [ -z "$(ls -A)" ] && exit $s'
+expect 2 '' $'velmor dirs: \'/abs\' cannot name a file in a folder\n' 'velmor dirs /abs'
+
 echo "velmor_e2e: $failures failed"
 [ "$failures" = 0 ]
