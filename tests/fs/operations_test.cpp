@@ -2,6 +2,7 @@
 #include "support/temp_tree.hpp"
 #include "support/working_dir_guard.hpp"
 
+#include <velmor2/configuration.hpp>
 #include <velmor2/file_system.hpp>
 #include <velmor2/hash.hpp>
 #include <velmor2/standard_directories.hpp>
@@ -39,8 +40,13 @@ TEST(file_operations, refuse_the_empty_path_and_a_text_with_a_nul_and_touch_noth
         EXPECT_TRUE(velmor2::find_files(bad, L"*", true).empty());
         EXPECT_FALSE(velmor2::set_file_content(L"new", velmor2::cp_utf8, bad));
         EXPECT_TRUE(velmor2::get_file_content(velmor2::cp_utf8, bad).empty());
+        EXPECT_EQ(velmor2::get_file_cp(bad), velmor2::cp_unknown);
+        EXPECT_EQ(velmor2::generate_hash(bad), 0u);
         velmor2::md5_t md5;
         EXPECT_FALSE(md5.update_from_file(bad));
+        velmor2::advanced_xml_config_t store;
+        EXPECT_FALSE(store.load(bad));
+        EXPECT_FALSE(store.save(bad));
     }
     EXPECT_EQ(tree.read("victim"), "keep");
     EXPECT_FALSE(tree.has("new"));

@@ -54,7 +54,9 @@ bool write_text(int descriptor, const std::string& text) {
 
 int open_xml_for_reading(const std::wstring& printed) {
     int descriptor = -1;
-    if (_wsopen_s(&descriptor, printed.c_str(), _O_RDONLY, _SH_DENYWR, 0) != 0) {
+    // A NUL would end the name early, at another file.
+    if (printed.find(L'\0') != std::wstring::npos ||
+        _wsopen_s(&descriptor, printed.c_str(), _O_RDONLY, _SH_DENYWR, 0) != 0) {
         return -1;
     }
     return descriptor;
@@ -65,6 +67,9 @@ void close_xml_file(int descriptor) {
 }
 
 bool replace_xml_file(const std::wstring& printed, const std::string& text) {
+    if (printed.find(L'\0') != std::wstring::npos) {
+        return false;
+    }
     int held = -1;
     const int opened = _wsopen_s(&held, printed.c_str(), _O_WRONLY, _SH_DENYRW, 0);
     const bool exists = opened == 0;
