@@ -3,7 +3,7 @@
 // The first byte chooses the wildcard setting (bit 0) and how the rest becomes text (bit 1):
 // UTF-8 decoding, where bad sequences turn into U+FFFD, or one character of a small alphabet
 // of path trouble per byte, which reaches deep into the grammar far sooner.
-#include "path/differential.hpp"
+#include "path/internal/differential.hpp"
 #include "unicode/convert.hpp"
 
 #include <cstddef>

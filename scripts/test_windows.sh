@@ -52,11 +52,13 @@ if [ ! -e "$WINEPREFIX/system.reg" ]; then
   nice "$wine" wineboot --init >/dev/null 2>&1
   wineserver -w
 fi
+# The tests of the public interface load velmor_core.dll, as users' programs do.
+WINEPATH=$(winepath -w "$build/src" 2>/dev/null)
+export WINEPATH
 status=0
 nice ctest --test-dir "$build" --output-on-failure --parallel "$(nproc)" || status=$?
 
-# The tests link the static library; the DLL itself is loaded once by the tool, which runs its
-# start-up code under Wine and finds an exported function.
+# The DLL is also loaded by name by the tool, which finds an exported function in it.
 dll=$(winepath -w "$build/src/velmor_core.dll" 2>/dev/null)
 if ! "$wine" "$build/tools/velmor.exe" lib "$dll" _ZN7velmor216get_fq_host_nameB5cxx11Ev; then
   echo "test_windows: velmor_core.dll does not load under Wine" >&2

@@ -6,6 +6,7 @@
 #include "support/user_config_root.hpp"
 #include "support/working_dir_guard.hpp"
 
+#include <velmor2/file_system.hpp>
 #include <velmor2/standard_directories.hpp>
 
 #include <cstdlib>
@@ -70,13 +71,17 @@ TEST(user_config_dir, folder_blocked_by_a_file_gives_the_empty_path) {
     EXPECT_FALSE(fs::exists(config.native(blocker + "/x")));
 }
 
-TEST(module_dir, of_this_code_is_the_executable_dir_and_of_no_module_is_empty) {
+void code_of_this_program() {}
+
+TEST(module_dir, of_the_program_and_of_the_shared_library_and_of_no_module) {
     const path_t exe = stdpaths::get_executable_dir();
     ASSERT_FALSE(exe.is_empty());
     EXPECT_TRUE(exe.is_directory());
-    // This test links the library statically: its code lies in the executable.
-    EXPECT_EQ(stdpaths::get_module_dir(reinterpret_cast<const void*>(&stdpaths::get_temp_dir)),
-              exe);
+    EXPECT_EQ(stdpaths::get_module_dir(reinterpret_cast<const void*>(&code_of_this_program)), exe);
+    // The library's code lies in the shared library, whose folder holds its file.
+    const path_t library =
+        stdpaths::get_module_dir(reinterpret_cast<const void*>(&stdpaths::get_temp_dir));
+    EXPECT_FALSE(velmor2::find_files(library, L"*velmor_core*", false).empty());
     EXPECT_TRUE(stdpaths::get_module_dir(nullptr).is_empty());
     EXPECT_TRUE(stdpaths::get_module_dir(reinterpret_cast<const void*>(16)).is_empty());
     int on_stack = 0;

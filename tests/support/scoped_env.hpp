@@ -1,9 +1,8 @@
 // Sets or clears an environment variable for the lifetime of a test and restores it afterwards.
 #pragma once
 
-#include "unicode/convert.hpp"
-
 #include <cstdlib>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -25,13 +24,14 @@ class scoped_env_t {
     // The runtime's wide calls keep the runtime's copy and the process environment, which the
     // system calls read, in step.
     static std::optional<std::string> read(const std::string& name) {
-        const wchar_t* value = ::_wgetenv(velmor2::_internal::to_ustring(name).c_str());
-        return value != nullptr ? std::optional<std::string>(velmor2::_internal::to_utf8(value))
+        const wchar_t* value = ::_wgetenv(std::filesystem::u8path(name).wstring().c_str());
+        return value != nullptr ? std::optional<std::string>(std::filesystem::path(value).u8string())
                                 : std::nullopt;
     }
     void apply(const std::optional<std::string>& value) const {
         // An empty value removes the variable.
-        const std::wstring entry = velmor2::_internal::to_ustring(name_ + "=" + value.value_or(""));
+        const std::wstring entry =
+            std::filesystem::u8path(name_ + "=" + value.value_or("")).wstring();
         ::_wputenv(entry.c_str());
     }
 #else

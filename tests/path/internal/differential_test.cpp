@@ -1,5 +1,5 @@
 // The hand-written parser against the combinator reference, on texts built to hit every corner.
-#include "path/differential.hpp"
+#include "path/internal/differential.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <velmor2/configuration.hpp>
 
-#include "config_files.hpp"
+#include "config/config_files.hpp"
 #include "os/xml_file.hpp"
 #include "support/temp_tree.hpp"
 

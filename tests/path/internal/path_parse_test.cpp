@@ -1,6 +1,6 @@
 // Parsing and printing: the model each form gives and the text printed back.
 #include "path/grammar.hpp"
-#include "path/print_path.hpp"
+#include "path/internal/print_path.hpp"
 
 #include <velmor2/path.hpp>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "path/grammar.hpp"
-#include "path/reference_grammar.hpp"
+#include "path/internal/reference_grammar.hpp"
 
 #include <cstdio>
 #include <sstream>

@@ -1,5 +1,5 @@
 // Composition, normalisation, relative paths, comparison and the texts taken from a path.
-#include "path/print_path.hpp"
+#include "path/internal/print_path.hpp"
 #include "support/temp_tree.hpp"
 
 #include <velmor2/path.hpp>

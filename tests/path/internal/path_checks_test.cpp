@@ -1,5 +1,5 @@
 // Validation positions, wildcard matching and what the file system says about a path.
-#include "path/print_path.hpp"
+#include "path/internal/print_path.hpp"
 #include "support/temp_tree.hpp"
 
 #include <velmor2/path.hpp>
