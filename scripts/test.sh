@@ -18,11 +18,12 @@ cmake --build build/sanitize --parallel "$jobs"
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build/sanitize --output-on-failure --parallel "$jobs"
 
-# The signal and mutex tests again under ThreadSanitizer (the configuration program only).
+# The signal and mutex tests again under ThreadSanitizer (the configuration and runtime programs).
 cmake -S . -B build/tsan -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON -DVELMOR_BUILD_TOOLS=OFF \
   -DCMAKE_CXX_COMPILER=clang++ -DVELMOR_SANITIZE=thread
-cmake --build build/tsan --parallel "$jobs" --target velmor_config_tests
+cmake --build build/tsan --parallel "$jobs" --target velmor_config_tests velmor_runtime_tests
 TSAN_OPTIONS=halt_on_error=1 build/tsan/tests/velmor_config_tests
+TSAN_OPTIONS=halt_on_error=1 build/tsan/tests/velmor_runtime_tests
 
 # The installed package: a consumer built with the CMake package and with pkg-config, and the
 # Debian package installed and run.
