@@ -28,8 +28,8 @@ std::wstring folder_of(const path_t& file) {
 
 } // namespace
 
-std::map<std::wstring, std::string> advanced_xml_config_t::saved_texts(
-    const std::map<std::wstring, boost::any>& of) const {
+std::map<std::wstring, std::string>
+advanced_xml_config_t::saved_texts(const std::map<std::wstring, boost::any>& of) const {
     const _internal::quiet_xml_t quiet;
     std::map<std::wstring, std::string> texts;
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(BAD_CAST "1.0"),

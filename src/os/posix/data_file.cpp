@@ -20,10 +20,8 @@ int open_file(const std::wstring& printed, int flags) {
     if (native.empty()) {
         return -1;
     }
-    int fd;
-    do {
-        fd = ::open(native.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
-    } while (fd < 0 && errno == EINTR);
+    const int fd = retry_interrupted(
+        [&] { return fs_calls().open(native.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666); });
     if (fd < 0) {
         return -1;
     }
@@ -37,11 +35,9 @@ int open_file(const std::wstring& printed, int flags) {
 
 bool read_fd(int fd, char* out, std::size_t size, std::size_t& got) {
     while (got < size) {
-        const ssize_t n = ::read(fd, out + got, size - got);
+        const ssize_t n =
+            retry_interrupted([&] { return fs_calls().read(fd, out + got, size - got); });
         if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
             return false;
         }
         if (n == 0) {

@@ -2,6 +2,7 @@
 // saved by replacement is a new inode that a watch on the old one would never report.
 #include "os/file_watch.hpp"
 
+#include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 
 #include <cerrno>
@@ -31,10 +32,8 @@ bool drain_folder_watch(std::intptr_t watch, const std::wstring& leaf) {
     bool concerned = false;
     alignas(inotify_event) char buffer[64 * (sizeof(inotify_event) + NAME_MAX + 1)];
     for (;;) {
-        const ssize_t got = ::read(static_cast<int>(watch), buffer, sizeof buffer);
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
+        const int fd = static_cast<int>(watch);
+        const ssize_t got = retry_interrupted([&] { return ::read(fd, buffer, sizeof buffer); });
         if (got <= 0) {
             return concerned;
         }

@@ -79,11 +79,8 @@ class fd_t {
 bool write_all(int fd, const void* bytes, std::size_t size) {
     const char* data = static_cast<const char*>(bytes);
     while (size > 0) {
-        const ssize_t written = fs_calls().write(fd, data, size);
+        const ssize_t written = retry_interrupted([&] { return fs_calls().write(fd, data, size); });
         if (written < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
             return false;
         }
         data += written;
@@ -101,15 +98,10 @@ bool copy_content(int in, int out, off_t size) {
     std::vector<char> buffer(std::max<std::size_t>(
         4096, std::min(largest, static_cast<std::size_t>(std::max<off_t>(size, 0)) + 1)));
     for (;;) {
-        const ssize_t got = fs_calls().read(in, buffer.data(), buffer.size());
-        if (got == 0) {
-            return true;
-        }
-        if (got < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
+        const ssize_t got =
+            retry_interrupted([&] { return fs_calls().read(in, buffer.data(), buffer.size()); });
+        if (got <= 0) {
+            return got == 0;
         }
         if (!write_all(out, buffer.data(), static_cast<std::size_t>(got))) {
             return false;
@@ -178,9 +170,9 @@ fs_calls_t& fs_calls() {
 }
 
 const fs_calls_t& real_fs_calls() {
-    static const fs_calls_t calls = {::mkdir,   ::rmdir,    ::unlink,    rename_no_replace,
-                                     open_call, ::read,     ::write,     ::mkdirat,
-                                     ::unlinkat, openat_call, ::fsync,   ::rename};
+    static const fs_calls_t calls = {::mkdir,    ::rmdir,     ::unlink, rename_no_replace,
+                                     open_call,  ::read,      ::write,  ::mkdirat,
+                                     ::unlinkat, openat_call, ::fsync,  ::rename};
     return calls;
 }
 
@@ -248,7 +240,7 @@ bool is_same_or_inside(const std::wstring& inner, const std::wstring& outer) {
         return false;
     }
     // Up through `..` until the directory itself or the root, which is its own parent.
-    fd_t level(::open(native_bytes(inner).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    fd_t level(fs_calls().open(native_bytes(inner).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     struct stat st;
     while (level.get() >= 0 && ::fstat(level.get(), &st) == 0) {
         if (same_entry(st, wanted)) {

@@ -3,6 +3,7 @@
 // as a value.
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <sys/types.h>
 
@@ -27,6 +28,16 @@ struct fs_calls_t {
     /// Renames, replacing an existing target in one step.
     int (*replace)(const char* from, const char* to);
 };
+
+/// Makes `call` again while it fails with EINTR (a signal arrived first); its last result.
+template <typename call_t> auto retry_interrupted(call_t call) {
+    for (;;) {
+        const auto result = call();
+        if (!(result < 0 && errno == EINTR)) {
+            return result;
+        }
+    }
+}
 
 /// The table in use; starts with the real calls.
 fs_calls_t& fs_calls();

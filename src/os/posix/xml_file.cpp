@@ -44,11 +44,7 @@ class descriptor_t {
 };
 
 int open_retrying(const char* native, int flags, mode_t mode) {
-    int descriptor;
-    do {
-        descriptor = fs_calls().open(native, flags | O_CLOEXEC, mode);
-    } while (descriptor < 0 && errno == EINTR);
-    return descriptor;
+    return retry_interrupted([&] { return fs_calls().open(native, flags | O_CLOEXEC, mode); });
 }
 
 // The file a save replaces: a symbolic link is followed, so that the link stays.
