@@ -109,7 +109,14 @@ bool path_t::is_drive_path() const {
     return path_.windows && path_.absolute && !path_.network;
 }
 bool path_t::is_empty() const {
-    return as_string().empty();
+    // Without printing: only a relative path without names (or with one empty name), a path
+    // without a root, and a POSIX root without components whose POSIX reading was cleared
+    // (`\\?\/`) print as nothing; the long-path prefix never stands alone.
+    if (path_.relative) {
+        return path_.components.empty() ||
+               (path_.components.size() == 1 && path_.components.front().empty());
+    }
+    return !path_.absolute || (!path_.windows && !path_.posix && path_.components.empty());
 }
 wchar_t path_t::get_separator_char() {
     return L'\\';

@@ -2,44 +2,9 @@
 #include "os/file_status.hpp"
 #include "path/component_pool.hpp"
 #include "path/grammar.hpp"
-
-#include <boost/regex.hpp>
-#if defined(_WIN32)
-// Boost.Regex leaves the Win32 traits out of its umbrella header under MinGW; they are
-// header-only and work there.
-#include <boost/regex/v5/w32_regex_traits.hpp>
-#endif
+#include "path/wildcard.hpp"
 
 namespace velmor2 {
-namespace {
-
-#if defined(_WIN32)
-using wildcard_regex_t =
-    boost::basic_regex<wchar_t, boost::regex_traits<wchar_t, boost::w32_regex_traits<wchar_t>>>;
-#else
-using wildcard_regex_t = boost::wregex;
-#endif
-
-std::wstring wildcard_to_regex(const std::wstring& pattern) {
-    static const std::wstring special = L".[]{}()\\*+?|^$";
-    std::wstring expression;
-    expression.reserve(pattern.size() * 2);
-    for (wchar_t c : pattern) {
-        if (c == L'?') {
-            expression += L'.';
-        } else if (c == L'*') {
-            expression += L".*";
-        } else {
-            if (special.find(c) != std::wstring::npos) {
-                expression += L'\\';
-            }
-            expression += c;
-        }
-    }
-    return expression;
-}
-
-} // namespace
 
 bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop_position) {
     _internal::path_internal_t<std::wstring> scratch;
@@ -49,15 +14,7 @@ bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop
 }
 
 bool path_t::match(const std::wstring& pattern) const {
-    try {
-        const wildcard_regex_t expression(wildcard_to_regex(pattern));
-        return boost::regex_match(as_string(), expression);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        // A pattern too complex for the matcher matches nothing.
-        return false;
-    }
+    return _internal::wildcard_t(pattern).match(as_string());
 }
 
 bool path_t::exists(const std::wstring& text) {
