@@ -3,6 +3,7 @@
 #include "path/grammar.hpp"
 #include "text/convert.hpp"
 
+#include <cstdint>
 #include <locale>
 #include <optional>
 #include <utility>
@@ -11,6 +12,41 @@ namespace velmor2 {
 namespace {
 
 using model_t = _internal::path_internal_t<std::wstring>;
+
+// The global locale's upper-casing, looked up again only when the global locale changes: the
+// ASCII characters' upper-case forms in a table, the locale asked for the others.
+class upper_case_t {
+  public:
+    /// The upper-casing of the current global locale, for this thread.
+    static const upper_case_t& current() {
+        thread_local std::optional<upper_case_t> cached;
+        std::locale global;
+        if (!cached || !(cached->locale_ == global)) {
+            cached.emplace(std::move(global));
+        }
+        return *cached;
+    }
+
+    explicit upper_case_t(std::locale locale)
+        : locale_(std::move(locale)), ctype_(&std::use_facet<std::ctype<wchar_t>>(locale_)) {
+        for (wchar_t c = 0; c < 128; ++c) {
+            ascii_[c] = ctype_->toupper(c);
+        }
+    }
+
+    bool same(wchar_t a, wchar_t b) const {
+        if (static_cast<std::uint32_t>(a | b) < 128) {
+            return ascii_[a] == ascii_[b];
+        }
+        return ctype_->toupper(a) == ctype_->toupper(b);
+    }
+
+  private:
+    // Holds the facet alive, and tells by its identity whether the global locale changed.
+    std::locale locale_;
+    const std::ctype<wchar_t>* ctype_;
+    wchar_t ascii_[128];
+};
 
 // Case-insensitive comparison with the global locale's upper-casing. The locale is looked up
 // only when two characters differ: equal paths, the common case, never need it.
@@ -21,7 +57,7 @@ class same_text_t {
             return false;
         }
         for (std::size_t i = 0; i < a.size(); ++i) {
-            if (a[i] != b[i] && upper(a[i]) != upper(b[i])) {
+            if (a[i] != b[i] && !upper().same(a[i], b[i])) {
                 return false;
             }
         }
@@ -29,16 +65,14 @@ class same_text_t {
     }
 
   private:
-    wchar_t upper(wchar_t c) const {
-        if (!locale_) {
-            locale_.emplace();
-            ctype_ = &std::use_facet<std::ctype<wchar_t>>(*locale_);
+    const upper_case_t& upper() const {
+        if (upper_ == nullptr) {
+            upper_ = &upper_case_t::current();
         }
-        return ctype_->toupper(c);
+        return *upper_;
     }
 
-    mutable std::optional<std::locale> locale_;
-    mutable const std::ctype<wchar_t>* ctype_ = nullptr;
+    mutable const upper_case_t* upper_ = nullptr;
 };
 
 // Parses with wildcards allowed, as the constructors do; text that does not parse completely

@@ -168,6 +168,29 @@ TEST(path_compose, equality_ignores_case_and_order_does_not) {
         EXPECT_EQ(a < b, c.less);
         EXPECT_FALSE(a < b && b < a);
     }
+    // Ordering is that of the printed forms, also where one has the long-path prefix.
+    for (const std::size_t size : {243, 244, 245}) {
+        const path_t a(L"C:\\" + std::wstring(size, L'a'));
+        for (const wchar_t* b : {L"C:\\b", L"C:\\a", L"\\\\?\\C:\\b", L"\\x"}) {
+            EXPECT_EQ(a < path_t(b), a.as_string() < path_t(b).as_string()) << size << b;
+            EXPECT_EQ(path_t(b) < a, path_t(b).as_string() < a.as_string()) << size << b;
+        }
+    }
+}
+
+// A locale whose upper-casing makes every character `X`.
+struct all_x_ctype_t : std::ctype<wchar_t> {
+    wchar_t do_toupper(wchar_t) const override { return L'X'; }
+};
+
+TEST(path_compose, equality_follows_the_global_locale_when_it_changes) {
+    const path_t a(L"C:\\ab");
+    const path_t b(L"C:\\yz");
+    EXPECT_NE(a, b);
+    const std::locale saved = std::locale::global(std::locale(std::locale(), new all_x_ctype_t));
+    EXPECT_EQ(a, b);
+    std::locale::global(saved);
+    EXPECT_NE(a, b);
 }
 
 TEST(path_compose, copies_and_moves_are_whole_values) {
