@@ -206,6 +206,10 @@ std::size_t heap_in_use() {
     return mallinfo2().uordblks;
 }
 
+// The allocator keeps what is freed instead of handing it back to the system, so that rows
+// measure the work of construction, not page faults that depend on which row ran before.
+const int keep_freed_memory = mallopt(M_TRIM_THRESHOLD, 1 << 30);
+
 template <typename Path, typename Text>
 void keep_paths(benchmark::State& state, const std::vector<Text>& texts) {
     double bytes_per_path = 0;

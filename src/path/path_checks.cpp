@@ -2,6 +2,7 @@
 #include "os/file_status.hpp"
 #include "path/component_pool.hpp"
 #include "path/grammar.hpp"
+#include "path/packed.hpp"
 #include "path/wildcard.hpp"
 
 namespace velmor2 {
@@ -35,8 +36,9 @@ bool path_t::exists(const std::wstring& text) {
     }
     // A bare drive (`C:`) is the only text whose "not found" gets a second look.
     const path_t path(text);
-    return path.is_drive_path() && path.path_.components.empty() &&
-           _internal::os::drive_has_root(path.path_.drive[0]);
+    const _internal::packed_view_t view(path.packed_);
+    return path.is_drive_path() && view.count == 0 && !view.drive.empty() &&
+           _internal::os::drive_has_root(view.drive[0]);
 }
 
 bool path_t::is_exists() const {
@@ -70,7 +72,8 @@ void path_t::readonly(const std::wstring& text, bool& read_only, bool& unknown) 
         break;
     }
     const path_t path(text);
-    if (path.is_drive_path() && _internal::os::is_cdrom_drive(path.path_.drive[0])) {
+    const _internal::packed_view_t view(path.packed_);
+    if (path.is_drive_path() && !view.drive.empty() && _internal::os::is_cdrom_drive(view.drive[0])) {
         read_only = true;
     }
     unknown = false;

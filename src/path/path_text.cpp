@@ -1,6 +1,7 @@
 // path_t: the printed form and the texts taken from it.
 #include "os/file_status.hpp"
 #include "path/grammar.hpp"
+#include "path/packed.hpp"
 
 #include <algorithm>
 #include <cwchar>
@@ -10,6 +11,7 @@ namespace velmor2 {
 namespace {
 
 using model_t = _internal::path_internal_t<std::wstring>;
+using _internal::packed_view_t;
 
 constexpr std::size_t long_path_length = 248;
 constexpr const wchar_t* long_path_prefix = L"\\\\?\\";
@@ -19,8 +21,8 @@ constexpr const wchar_t* long_path_prefix = L"\\\\?\\";
 // a relative path). Printing appends the pieces; ordering compares them without printing.
 class pieces_t {
   public:
-    pieces_t(const model_t& model, std::size_t count)
-        : name_(model.components.begin()), names_left_(count) {
+    pieces_t(const packed_view_t& model, std::size_t count)
+        : name_(model.begin()), names_left_(count) {
         if (model.relative) {
             return;
         }
@@ -50,7 +52,7 @@ class pieces_t {
         }
         auto name = name_;
         for (std::size_t i = 0; i < names_left_; ++i, ++name) {
-            total += name->size();
+            total += (*name).size();
         }
         if (names_left_ > 0) {
             total += separator_due_ ? names_left_ : names_left_ - 1;
@@ -74,8 +76,9 @@ class pieces_t {
             size = 1;
             return true;
         }
-        text = name_->data();
-        size = name_->size();
+        const std::wstring_view name = *name_;
+        text = name.data();
+        size = name.size();
         ++name_;
         --names_left_;
         separator_due_ = true;
@@ -95,14 +98,14 @@ class pieces_t {
     piece_t root_[3] = {};
     int root_count_ = 0;
     int root_index_ = 0;
-    std::list<std::wstring>::const_iterator name_;
+    packed_view_t::iterator name_;
     std::size_t names_left_;
     bool separator_due_ = false;
 };
 
 // Writes the printed form of the model's first `count` components to `out` (emptied first),
 // the long-path prefix included. `out` is sized once, so printing allocates at most once.
-void print_into(std::wstring& out, const model_t& model, std::size_t count) {
+void print_into(std::wstring& out, const packed_view_t& model, std::size_t count) {
     out.clear();
     pieces_t pieces(model, count);
     out.reserve(std::wcslen(long_path_prefix) + pieces.size());
@@ -118,9 +121,9 @@ void print_into(std::wstring& out, const model_t& model, std::size_t count) {
 
 // Whether the printed form of `a` comes before that of `b`, for texts below the long-path
 // length, compared piece against piece.
-bool less_without_prefix(const model_t& a, const model_t& b) {
-    pieces_t mine(a, a.components.size());
-    pieces_t theirs(b, b.components.size());
+bool less_without_prefix(const packed_view_t& a, const packed_view_t& b) {
+    pieces_t mine(a, a.count);
+    pieces_t theirs(b, b.count);
     const wchar_t* p = nullptr;
     const wchar_t* q = nullptr;
     std::size_t m = 0;
@@ -155,7 +158,7 @@ bool less_without_prefix(const model_t& a, const model_t& b) {
     }
 }
 
-std::wstring print(const model_t& model, std::size_t count) {
+std::wstring print(const packed_view_t& model, std::size_t count) {
     std::wstring out;
     print_into(out, model, count);
     return out;
@@ -164,7 +167,8 @@ std::wstring print(const model_t& model, std::size_t count) {
 } // namespace
 
 std::wstring path_t::as_string() const {
-    return print(path_, path_.components.size());
+    const packed_view_t view(packed_);
+    return print(view, view.count);
 }
 
 std::wstring path_t::as_native_string() const {
@@ -172,53 +176,56 @@ std::wstring path_t::as_native_string() const {
 }
 
 std::list<std::wstring> path_t::as_string_list() const {
-    std::list<std::wstring> out(path_.components.begin(), path_.components.end());
-    if (path_.relative || !path_.absolute) {
+    const packed_view_t view(packed_);
+    std::list<std::wstring> out(view.begin(), view.end());
+    if (view.relative || !view.absolute) {
         return out;
     }
     // The first element holds the root, so that assigning the list gives the path back.
-    if (!path_.windows) {
+    if (!view.windows) {
         out.push_front(L"\\");
-    } else if (path_.network) {
+    } else if (view.network) {
         out.front().insert(0, L"\\\\");
     } else {
-        out.push_front(path_.drive + L':');
+        out.push_front(std::wstring(view.drive) + L':');
     }
     return out;
 }
 
 std::wstring path_t::get_branch() const {
-    const std::size_t count = path_.components.size();
-    if (count == 0 || as_string().empty()) {
+    const packed_view_t view(packed_);
+    if (view.count == 0 || is_empty()) {
         return {};
     }
-    if (count == 1) {
-        if (path_.relative || path_.network) {
+    if (view.count == 1) {
+        if (view.relative || view.network) {
             return {};
         }
-        return path_.windows ? path_.drive + L":\\" : L"\\";
+        return view.windows ? std::wstring(view.drive) + L":\\" : L"\\";
     }
-    return print(path_, count - 1);
+    return print(view, view.count - 1);
 }
 
 std::wstring path_t::get_leaf() const {
-    return path_.components.empty() ? std::wstring() : path_.components.back();
+    return std::wstring(packed_view_t(packed_).back());
 }
 
 std::wstring path_t::get_ext() const {
-    if (path_.components.empty() || is_directory()) {
+    const packed_view_t view(packed_);
+    if (view.count == 0 || is_directory()) {
         return {};
     }
-    const std::wstring& leaf = path_.components.back();
+    const std::wstring_view leaf = view.back();
     const std::size_t dot = leaf.rfind(L'.');
-    return dot == std::wstring::npos ? std::wstring() : leaf.substr(dot + 1);
+    return dot == std::wstring_view::npos ? std::wstring() : std::wstring(leaf.substr(dot + 1));
 }
 
 bool path_t::change_ext(const std::wstring& ext) {
-    if (path_.components.empty() || is_directory()) {
+    if (packed_view_t(packed_).count == 0 || is_directory()) {
         return false;
     }
-    std::wstring& leaf = path_.components.back();
+    model_t model = this->model();
+    std::wstring& leaf = model.components.back();
     const std::size_t dot = leaf.rfind(L'.');
     if (dot == std::wstring::npos) {
         leaf += L'.';
@@ -226,22 +233,24 @@ bool path_t::change_ext(const std::wstring& ext) {
         leaf.erase(dot + 1);
     }
     leaf += ext;
-    return true;
+    return assign(model);
 }
 
 bool path_t::operator<(const path_t& other) const {
-    const auto prints_short = [](const model_t& model) {
-        return pieces_t(model, model.components.size()).size() < long_path_length;
+    const packed_view_t mine(packed_);
+    const packed_view_t theirs(other.packed_);
+    const auto prints_short = [](const packed_view_t& view) {
+        return pieces_t(view, view.count).size() < long_path_length;
     };
-    if (prints_short(path_) && prints_short(other.path_)) {
-        return less_without_prefix(path_, other.path_);
+    if (prints_short(mine) && prints_short(theirs)) {
+        return less_without_prefix(mine, theirs);
     }
     // A long-path prefix on one side: printed into buffers kept per thread.
-    thread_local std::wstring mine;
-    thread_local std::wstring theirs;
-    print_into(mine, path_, path_.components.size());
-    print_into(theirs, other.path_, other.path_.components.size());
-    return mine < theirs;
+    thread_local std::wstring mine_text;
+    thread_local std::wstring their_text;
+    print_into(mine_text, mine, mine.count);
+    print_into(their_text, theirs, theirs.count);
+    return mine_text < their_text;
 }
 
 } // namespace velmor2
