@@ -4,17 +4,6 @@
 namespace velmor2::_internal {
 namespace {
 
-constexpr unsigned flag_relative = 1;
-constexpr unsigned flag_windows = 2;
-constexpr unsigned flag_posix = 4;
-constexpr unsigned flag_absolute = 8;
-constexpr unsigned flag_network = 16;
-
-void put_text(std::wstring& out, const std::wstring& text) {
-    put_length(out, text.size());
-    out += text;
-}
-
 // The text stored at `at` (a length and its characters); `at` moves past it.
 std::wstring_view take_text(const wchar_t*& at) {
     const std::wstring_view text(at + 2, packed_view_t::length_at(at));
@@ -77,34 +66,6 @@ bool same_layout(const std::wstring& a, const std::wstring& b) {
         }
     }
     return true;
-}
-
-void pack(const path_internal_t<std::wstring>& model, std::wstring& out) {
-    out.clear();
-    const bool any_flag =
-        model.relative || model.windows || model.posix || model.absolute || model.network;
-    if (!any_flag && model.components.empty() && model.drive.empty() && model.server.empty()) {
-        return;
-    }
-    std::size_t size = 1 + 2 + model.drive.size() + 2 + model.server.size() + 2;
-    for (const std::wstring& name : model.components) {
-        size += 2 + name.size();
-    }
-    // Sized from empty, so the buffer is exactly as large as the packed text.
-    std::wstring packed;
-    packed.reserve(size);
-    packed += static_cast<wchar_t>((model.relative ? flag_relative : 0u) |
-                                   (model.windows ? flag_windows : 0u) |
-                                   (model.posix ? flag_posix : 0u) |
-                                   (model.absolute ? flag_absolute : 0u) |
-                                   (model.network ? flag_network : 0u));
-    put_text(packed, model.drive);
-    put_text(packed, model.server);
-    put_length(packed, model.components.size());
-    for (const std::wstring& name : model.components) {
-        put_text(packed, name);
-    }
-    out.swap(packed);
 }
 
 void unpack(const std::wstring& packed, path_internal_t<std::wstring>& out) {

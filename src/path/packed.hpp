@@ -8,6 +8,8 @@
 // to_lower, change_ext, get_relative) unpack into the parser's model and pack again.
 #pragma once
 
+#include "path/grammar.hpp"
+
 #include <velmor2/path.hpp>
 
 #include <cstddef>
@@ -72,8 +74,20 @@ class packed_view_t {
     const wchar_t* end_ = nullptr;
 };
 
-/// Packs `model` into `out` (replaced), allocating once.
-void pack(const path_internal_t<std::wstring>& model, std::wstring& out);
+/// Packs the flags, drive and server of `model` (the model or the parser's spans) and the
+/// names [first, last) into `out` (replaced), allocating once.
+template <typename Model, typename Names>
+void pack(const Model& model, Names first, Names last, std::wstring& out);
+
+/// Packs `model` into `out`.
+inline void pack(const path_internal_t<std::wstring>& model, std::wstring& out) {
+    pack(model, model.components.begin(), model.components.end(), out);
+}
+
+/// Packs the parser's spans into `out`.
+inline void pack(const path_spans_t& spans, std::wstring& out) {
+    pack(spans, spans.components, spans.components + spans.count, out);
+}
 
 /// The model of a packed path.
 void unpack(const std::wstring& packed, path_internal_t<std::wstring>& out);
@@ -102,6 +116,48 @@ inline bool prints_empty(bool relative, bool absolute, bool windows, bool posix,
 inline void put_length(std::wstring& out, std::size_t n) {
     out += static_cast<wchar_t>(n & 0xFFFF);
     out += static_cast<wchar_t>((n >> 16) & 0xFFFF);
+}
+
+constexpr unsigned flag_relative = 1;
+constexpr unsigned flag_windows = 2;
+constexpr unsigned flag_posix = 4;
+constexpr unsigned flag_absolute = 8;
+constexpr unsigned flag_network = 16;
+
+/// Writes a length and its text.
+inline void put_text(std::wstring& out, std::wstring_view text) {
+    put_length(out, text.size());
+    out.append(text.data(), text.size());
+}
+
+template <typename Model, typename Names>
+void pack(const Model& model, Names first, Names last, std::wstring& out) {
+    const bool any_flag =
+        model.relative || model.windows || model.posix || model.absolute || model.network;
+    if (!any_flag && first == last && model.drive.empty() && model.server.empty()) {
+        out.clear();
+        return;
+    }
+    std::size_t size = 1 + 2 + model.drive.size() + 2 + model.server.size() + 2;
+    std::size_t count = 0;
+    for (Names it = first; it != last; ++it, ++count) {
+        size += 2 + std::wstring_view(*it).size();
+    }
+    // Sized from empty, so the buffer is exactly as large as the packed text.
+    std::wstring packed;
+    packed.reserve(size);
+    packed += static_cast<wchar_t>((model.relative ? flag_relative : 0u) |
+                                   (model.windows ? flag_windows : 0u) |
+                                   (model.posix ? flag_posix : 0u) |
+                                   (model.absolute ? flag_absolute : 0u) |
+                                   (model.network ? flag_network : 0u));
+    put_text(packed, model.drive);
+    put_text(packed, model.server);
+    put_length(packed, count);
+    for (Names it = first; it != last; ++it) {
+        put_text(packed, *it);
+    }
+    out.swap(packed);
 }
 
 template <typename Names>

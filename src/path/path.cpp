@@ -17,16 +17,54 @@ namespace {
 using model_t = _internal::path_internal_t<std::wstring>;
 using _internal::packed_view_t;
 
-// Case-insensitive comparison of texts with the global locale's upper-casing. The ASCII
-// characters' upper-case forms come from a table built once per global locale and thread;
-// the locale is asked for the others.
+std::uint32_t classic_upper(std::uint32_t c) {
+    return c - ((c - U'a' < 26u) << 5);
+}
+
+// The global locale's upper-casing of ASCII as a table, and its facet for the rest.
+struct locale_table_t {
+    // Holds the facet alive, and tells by its identity whether the global locale changed.
+    std::locale locale;
+    const std::ctype<wchar_t>* ctype;
+    wchar_t ascii[128];
+    // The locale upper-cases ASCII as the "C" locale does (every locale but a few).
+    bool classic_ascii = true;
+
+    explicit locale_table_t(std::locale global)
+        : locale(std::move(global)), ctype(&std::use_facet<std::ctype<wchar_t>>(locale)) {
+        for (wchar_t c = 0; c < 128; ++c) {
+            ascii[c] = ctype->toupper(c);
+            classic_ascii = classic_ascii && static_cast<std::uint32_t>(ascii[c]) ==
+                                                 classic_upper(static_cast<std::uint32_t>(c));
+        }
+    }
+};
+
+// The table is built once per global locale and thread. The flag, trivially destructible, is
+// still readable when the thread's objects are being destroyed: a comparison made then (by the
+// destructor of a static object, say) builds a table of its own.
+struct table_cache_t {
+    std::optional<locale_table_t> table;
+    ~table_cache_t();
+};
+thread_local bool table_cache_alive = true;
+thread_local table_cache_t table_cache;
+table_cache_t::~table_cache_t() {
+    table_cache_alive = false;
+}
+
+// Case-insensitive comparison of texts with the global locale's upper-casing.
 class same_text_t {
   public:
     same_text_t() {
-        const locale_table_t& table = locale_table_t::current();
-        ascii_ = table.ascii;
-        ctype_ = table.ctype;
-        classic_ascii_ = table.classic_ascii;
+        std::locale global;
+        std::optional<locale_table_t>& table = table_cache_alive ? table_cache.table : own_;
+        if (!table || !(table->locale == global)) {
+            table.emplace(std::move(global));
+        }
+        ascii_ = table->ascii;
+        ctype_ = table->ctype;
+        classic_ascii_ = table->classic_ascii;
     }
 
     bool operator()(std::wstring_view a, std::wstring_view b) const {
@@ -57,35 +95,6 @@ class same_text_t {
     }
 
   private:
-    struct locale_table_t {
-        // Holds the facet alive, and tells by its identity whether the global locale changed.
-        std::locale locale;
-        const std::ctype<wchar_t>* ctype;
-        wchar_t ascii[128];
-        // The locale upper-cases ASCII as the "C" locale does (every locale but a few).
-        bool classic_ascii = true;
-
-        explicit locale_table_t(std::locale global)
-            : locale(std::move(global)), ctype(&std::use_facet<std::ctype<wchar_t>>(locale)) {
-            for (wchar_t c = 0; c < 128; ++c) {
-                ascii[c] = ctype->toupper(c);
-                classic_ascii = classic_ascii && static_cast<std::uint32_t>(ascii[c]) ==
-                                                     classic_upper(static_cast<std::uint32_t>(c));
-            }
-        }
-
-        static const locale_table_t& current() {
-            thread_local std::optional<locale_table_t> cached;
-            std::locale global;
-            if (!cached || !(cached->locale == global)) {
-                cached.emplace(std::move(global));
-            }
-            return *cached;
-        }
-    };
-
-    static std::uint32_t classic_upper(std::uint32_t c) { return c - ((c - U'a' < 26u) << 5); }
-
     bool same(wchar_t a, wchar_t b) const {
         if (static_cast<std::uint32_t>(a | b) < 128) {
             return ascii_[a] == ascii_[b];
@@ -93,22 +102,32 @@ class same_text_t {
         return a == b || ctype_->toupper(a) == ctype_->toupper(b);
     }
 
+    std::optional<locale_table_t> own_;
     const wchar_t* ascii_;
     const std::ctype<wchar_t>* ctype_;
     bool classic_ascii_;
 };
 
-// Parses with wildcards allowed, as the constructors do, into a model kept per thread (whose
-// list nodes the next parse reuses) and packs it; text that does not parse completely leaves
-// the empty path, nothing of the partial parse.
+// Parses with wildcards allowed, as the constructors do, and packs the result straight from
+// the text; text that does not parse completely leaves the empty path, nothing of the partial
+// parse.
 void parse_into(std::wstring& packed, const wchar_t* begin, const wchar_t* end) {
-    thread_local model_t scratch;
-    int stop_position;
-    if (_internal::parse_path(begin, end, scratch, false, stop_position)) {
-        _internal::pack(scratch, packed);
-    } else {
+    _internal::path_spans_t spans;
+    bool complete;
+    if (!_internal::parse_path(begin, end, spans, complete)) {
         packed.clear();
+        return;
     }
+    if (complete) {
+        _internal::pack(spans, packed);
+        return;
+    }
+    // More names than the spans hold: through the model.
+    model_t model;
+    int stop_position;
+    _internal::parse_path(begin, end, model, false, stop_position);
+    _internal::pack(model, packed);
+    _internal::recycle_components(model.components);
 }
 
 bool prints_empty(const model_t& model) {
