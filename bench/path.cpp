@@ -56,7 +56,7 @@ void velmor_parse(benchmark::State& state) {
 }
 BENCHMARK(velmor_parse)->Apply(each_form);
 
-// Paths that stay alive, so that no recycled node is at hand: the cost of a cold parse.
+// Paths that stay alive: the cost of a parse whose result is kept.
 void velmor_parse_kept(benchmark::State& state) {
     const std::wstring& text = texts[static_cast<std::size_t>(state.range(0))];
     std::vector<velmor2::path_t> kept;

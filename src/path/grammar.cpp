@@ -13,7 +13,6 @@
 // outright, the stop position is where a combinator parser leaves its cursor: one past an
 // invalid first character.
 #include "path/grammar.hpp"
-#include "path/component_pool.hpp"
 
 namespace velmor2::_internal {
 namespace {
@@ -34,7 +33,7 @@ class model_out_t {
     explicit model_out_t(path_internal_t<std::wstring>& model) : model_(model) {}
 
     bool add_name(const wchar_t* first, const wchar_t* last) {
-        append_component(model_.components, first, last);
+        model_.components.emplace_back(first, last);
         return true;
     }
     void set_server(const wchar_t* first, const wchar_t* last) { model_.server.assign(first, last); }
@@ -253,7 +252,7 @@ bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out, bo
 
 bool parse_path(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
                 bool forbid_wildcards, int& stop_position) {
-    recycle_components(out.components);
+    out.components.clear();
     out.relative = out.absolute = out.network = false;
     out.drive.clear();
     out.server.clear();

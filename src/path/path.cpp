@@ -1,5 +1,4 @@
-// path_t: construction, composition, normalisation and comparison on the parsed model.
-#include "path/component_pool.hpp"
+// path_t: construction, composition, normalisation and comparison on the packed model.
 #include "path/grammar.hpp"
 #include "path/packed.hpp"
 #include "text/convert.hpp"
@@ -127,7 +126,6 @@ void parse_into(std::wstring& packed, const wchar_t* begin, const wchar_t* end) 
     int stop_position;
     _internal::parse_path(begin, end, model, false, stop_position);
     _internal::pack(model, packed);
-    _internal::recycle_components(model.components);
 }
 
 bool prints_empty(const model_t& model) {
@@ -243,12 +241,10 @@ bool path_t::assign(const std::list<std::wstring>& parts) {
         if (!_internal::parse_path(part, parsed, false, stop_position) ||
             !(first ? (joined = parsed, true) : append_model(joined, parsed))) {
             packed_.clear();
-            _internal::recycle_components(parsed.components);
             return false;
         }
         first = false;
     }
-    _internal::recycle_components(parsed.components);
     return assign(joined);
 }
 

@@ -1,6 +1,5 @@
 // path_t: validation, wildcard matching and what the file system says about a path.
 #include "os/file_status.hpp"
-#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
 #include "path/packed.hpp"
 #include "path/wildcard.hpp"
@@ -9,9 +8,7 @@ namespace velmor2 {
 
 bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop_position) {
     _internal::path_internal_t<std::wstring> scratch;
-    const bool valid = _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
-    _internal::recycle_components(scratch.components);
-    return valid;
+    return _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
 }
 
 bool path_t::match(const std::wstring& pattern) const {
