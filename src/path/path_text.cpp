@@ -239,10 +239,13 @@ bool path_t::change_ext(const std::wstring& ext) {
 bool path_t::operator<(const path_t& other) const {
     const packed_view_t mine(packed_);
     const packed_view_t theirs(other.packed_);
-    const auto prints_short = [](const packed_view_t& view) {
-        return pieces_t(view, view.count).size() < long_path_length;
+    // The packed text is longer than the printed one (each name carries two length units
+    // where the printed form has one separator), so short packed texts need no count.
+    const auto prints_short = [](const std::wstring& packed, const packed_view_t& view) {
+        return packed.size() < long_path_length ||
+               pieces_t(view, view.count).size() < long_path_length;
     };
-    if (prints_short(mine) && prints_short(theirs)) {
+    if (prints_short(packed_, mine) && prints_short(other.packed_, theirs)) {
         return less_without_prefix(mine, theirs);
     }
     // A long-path prefix on one side: printed into buffers kept per thread.
