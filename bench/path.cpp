@@ -206,9 +206,11 @@ std::size_t heap_in_use() {
     return mallinfo2().uordblks;
 }
 
-// The allocator keeps what is freed instead of handing it back to the system, so that rows
-// measure the work of construction, not page faults that depend on which row ran before.
-const int keep_freed_memory = mallopt(M_TRIM_THRESHOLD, 1 << 30);
+// The allocator serves large blocks from its heap too and keeps what is freed instead of
+// handing it back to the system, so that rows measure the work done, not the page faults of
+// fresh memory (slow on virtual machines) that depend on which row ran before.
+const int keep_freed_memory =
+    mallopt(M_MMAP_THRESHOLD, 1 << 30) + mallopt(M_TRIM_THRESHOLD, 1 << 30);
 
 template <typename Path, typename Text>
 void keep_paths(benchmark::State& state, const std::vector<Text>& texts) {

@@ -60,6 +60,8 @@ class packed_view_t {
 
     iterator begin() const { return iterator(names_); }
     iterator end() const { return iterator(end_); }
+    /// The names as they are packed (each a length and its text).
+    std::wstring_view names() const { return {names_, static_cast<std::size_t>(end_ - names_)}; }
     /// The last name; empty when there is none.
     std::wstring_view back() const;
 

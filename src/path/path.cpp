@@ -232,20 +232,32 @@ bool path_t::assign(const model_t& model) {
 
 bool path_t::assign(const std::list<std::wstring>& parts) {
     // The first text gives the form (it may be a root such as `C:` or `\`); the others are
-    // appended to it, so they must be relative. Joined as a model and packed once.
-    model_t joined;
-    model_t parsed;
+    // appended to it, so they must be relative. The names appended are gathered packed in one
+    // buffer and joined to the head once at the end.
+    path_t head;
+    std::wstring tail;
     bool first = true;
     for (const std::wstring& part : parts) {
-        int stop_position;
-        if (!_internal::parse_path(part, parsed, false, stop_position) ||
-            !(first ? (joined = parsed, true) : append_model(joined, parsed))) {
+        const path_t piece(part);
+        const packed_view_t view(piece.packed_);
+        // A text that parses always leaves a flag set: an empty packed text is a failure.
+        if (piece.packed_.empty() || (!first && (view.absolute || view.network))) {
             packed_.clear();
             return false;
         }
+        if (first || (tail.empty() && head.is_empty())) {
+            head = piece;
+        } else {
+            tail += view.names();
+        }
         first = false;
     }
-    return assign(joined);
+    if (!tail.empty()) {
+        _internal::append_names(head.packed_, packed_view_t::iterator(tail.data()),
+                                packed_view_t::iterator(tail.data() + tail.size()));
+    }
+    packed_ = std::move(head.packed_);
+    return true;
 }
 
 bool path_t::append(const path_t& other) {
