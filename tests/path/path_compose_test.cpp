@@ -62,6 +62,9 @@ TEST(path_compose, assign_list_parses_and_joins_each_text) {
     EXPECT_TRUE(path.is_empty());
     EXPECT_FALSE(path.assign(std::list<std::wstring>{L"a", L"x|y"}));
     EXPECT_TRUE(path.is_empty());
+    // A first text that prints as nothing is replaced by the next, form and all.
+    EXPECT_TRUE(path.assign(std::list<std::wstring>{L"\\\\?\\/", L"x", L"y"}));
+    EXPECT_EQ(path, path_t(L"x\\y"));
 
     // The list a path gives builds the same path again, whatever its form.
     for (const wchar_t* text :
