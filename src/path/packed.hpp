@@ -1,6 +1,6 @@
 // path_t keeps its model packed into one wide string: a path costs one allocation and its
 // texts sit together, where a list of names costs two allocations a name (docs/performance.md,
-// "paths kept"). The layout, each length in two 16-bit units (so that it fits 16-bit wchar_t):
+// "Paths kept"). The layout, each length in two 16-bit units (so that it fits 16-bit wchar_t):
 //
 //   [flags] [drive length][drive] [server length][server] [count] ([name length][name])...
 //

@@ -52,7 +52,8 @@ table_cache_t::~table_cache_t() {
     table_cache_alive = false;
 }
 
-// Case-insensitive comparison of texts with the global locale's upper-casing.
+// Case-insensitive comparison of texts with the global locale's upper-casing
+// (docs/performance.md, "Path comparison").
 class same_text_t {
   public:
     same_text_t() {

@@ -2,7 +2,8 @@
 // characters and `?`. The first piece must sit at the start of the text and the last at its
 // end; each piece between is placed at its leftmost fit after the one before. The leftmost
 // fit never loses a match that a later fit would allow (everything after it stays
-// available), so no placement is ever revisited: the cost is at most text times pattern.
+// available), so no placement is ever revisited: the cost is at most text times pattern
+// (docs/performance.md, "Growth").
 #include "path/wildcard.hpp"
 
 #include <cstddef>
