@@ -1,7 +1,8 @@
 // Parsing, printing and comparing paths, beside std::filesystem and Boost.Filesystem on the
-// same texts. The peers do not read Windows forms on Linux, so they get each text with every
-// `\` already turned into `/` (outside the timed loop) and have their components iterated,
-// which is what a user of them pays to see the names.
+// same texts; paths kept by the hundred thousand; growth of assign(list) and match; everyday
+// matches beside fnmatch. The peers do not read Windows forms on Linux, so they get each text
+// with every `\` already turned into `/` (outside the timed loop) and have their components
+// iterated, which is what a user of them pays to see the names.
 #include "growth.hpp"
 
 #include <velmor2/path.hpp>
