@@ -1,4 +1,5 @@
-# Boost is used header-only (Regex, Spirit classic, Any, LexicalCast, Tokenizer, CRC, string algorithms).
+# Boost is used header-only (Spirit classic, Any, LexicalCast, Tokenizer, CRC, string algorithms;
+# Regex as the tests' oracle of the wildcard matcher).
 find_package(Boost 1.74 REQUIRED)
 find_package(LibXml2 REQUIRED)
 find_package(ZLIB REQUIRED)
