@@ -12,7 +12,7 @@ bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop
 }
 
 bool path_t::match(const std::wstring& pattern) const {
-    return _internal::wildcard_t(pattern).match(as_string());
+    return _internal::wildcard_match(pattern, as_string());
 }
 
 bool path_t::exists(const std::wstring& text) {

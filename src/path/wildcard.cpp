@@ -6,49 +6,25 @@
 // (docs/performance.md, "Growth").
 #include "path/wildcard.hpp"
 
-#include <cstddef>
-#include <utility>
-
 namespace velmor2::_internal {
+namespace {
 
-wildcard_t::wildcard_t(std::wstring pattern) : pattern_(std::move(pattern)) {
-    std::size_t first = 0;
-    for (std::size_t i = 0; i <= pattern_.size(); ++i) {
-        if (i == pattern_.size() || pattern_[i] == L'*') {
-            // Empty pieces between stars change nothing: `**` is `*`.
-            if (pieces_.empty() || i == pattern_.size() || i > first) {
-                pieces_.push_back({first, i - first});
-            }
-            first = i + 1;
-        }
-    }
-}
-
-std::size_t wildcard_t::literal_prefix(const std::wstring& text) const {
-    std::size_t n = 0;
-    while (n < text.size() && n < pattern_.size() && pattern_[n] != L'*' && pattern_[n] != L'?' &&
-           pattern_[n] == text[n]) {
-        ++n;
-    }
-    return n;
-}
-
-bool wildcard_t::piece_at(const piece_t& piece, const wchar_t* text) const {
-    const wchar_t* p = pattern_.data() + piece.first;
-    for (std::size_t i = 0; i < piece.size; ++i) {
-        if (p[i] != text[i] && p[i] != L'?') {
+// Whether `piece` (literal characters and `?`) matches the text starting at `text`.
+bool piece_at(std::wstring_view piece, const wchar_t* text) {
+    for (std::size_t i = 0; i < piece.size(); ++i) {
+        if (piece[i] != text[i] && piece[i] != L'?') {
             return false;
         }
     }
     return true;
 }
 
-const wchar_t* wildcard_t::find_piece(const piece_t& piece, const wchar_t* first,
-                                      const wchar_t* last) const {
-    const wchar_t lead = pattern_[piece.first];
-    for (; last - first >= static_cast<std::ptrdiff_t>(piece.size); ++first) {
+// The leftmost place in [first, last) where the non-empty `piece` fits; null when none.
+const wchar_t* find_piece(std::wstring_view piece, const wchar_t* first, const wchar_t* last) {
+    const wchar_t lead = piece[0];
+    for (; static_cast<std::size_t>(last - first) >= piece.size(); ++first) {
         if (lead != L'?') {
-            first = std::char_traits<wchar_t>::find(first, last - first - piece.size + 1, lead);
+            first = std::char_traits<wchar_t>::find(first, last - first - piece.size() + 1, lead);
             if (first == nullptr) {
                 return nullptr;
             }
@@ -60,30 +36,48 @@ const wchar_t* wildcard_t::find_piece(const piece_t& piece, const wchar_t* first
     return nullptr;
 }
 
-bool wildcard_t::match(const std::wstring& text, std::size_t known) const {
-    const wchar_t* const begin = text.data();
-    const wchar_t* const end = begin + text.size();
-    const piece_t& head = pieces_.front();
-    if (pieces_.size() == 1) {
-        return text.size() == head.size &&
-               piece_at({head.first + known, head.size - known}, begin + known);
+} // namespace
+
+bool wildcard_match(std::wstring_view pattern, std::wstring_view text, std::size_t known) {
+    const std::size_t first_star = pattern.find(L'*');
+    if (first_star == std::wstring_view::npos) {
+        return text.size() == pattern.size() &&
+               piece_at(pattern.substr(known), text.data() + known);
     }
-    const piece_t& tail = pieces_.back();
-    if (text.size() < head.size + tail.size ||
-        !piece_at({head.first + known, head.size - known}, begin + known) ||
-        !piece_at(tail, end - tail.size)) {
+    const std::size_t last_star = pattern.rfind(L'*');
+    const std::wstring_view head = pattern.substr(0, first_star);
+    const std::wstring_view tail = pattern.substr(last_star + 1);
+    if (text.size() < head.size() + tail.size() ||
+        !piece_at(head.substr(known), text.data() + known) ||
+        !piece_at(tail, text.data() + text.size() - tail.size())) {
         return false;
     }
-    const wchar_t* cursor = begin + head.size;
-    const wchar_t* const limit = end - tail.size;
-    for (std::size_t i = 1; i + 1 < pieces_.size(); ++i) {
-        const wchar_t* found = find_piece(pieces_[i], cursor, limit);
-        if (found == nullptr) {
+    const wchar_t* cursor = text.data() + head.size();
+    const wchar_t* const limit = text.data() + text.size() - tail.size();
+    for (std::size_t start = first_star + 1; start < last_star;) {
+        const std::size_t star = pattern.find(L'*', start);
+        const std::wstring_view piece = pattern.substr(start, star - start);
+        start = star + 1;
+        // Empty pieces between stars change nothing: `**` is `*`.
+        if (piece.empty()) {
+            continue;
+        }
+        cursor = find_piece(piece, cursor, limit);
+        if (cursor == nullptr) {
             return false;
         }
-        cursor = found + pieces_[i].size;
+        cursor += piece.size();
     }
     return true;
+}
+
+std::size_t wildcard_t::literal_prefix(const std::wstring& text) const {
+    std::size_t n = 0;
+    while (n < text.size() && n < pattern_.size() && pattern_[n] != L'*' && pattern_[n] != L'?' &&
+           pattern_[n] == text[n]) {
+        ++n;
+    }
+    return n;
 }
 
 } // namespace velmor2::_internal
