@@ -4,11 +4,15 @@
 #include "text/convert.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <locale>
+#include <memory>
+#include <mutex>
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace velmor2 {
 namespace {
@@ -39,18 +43,39 @@ struct locale_table_t {
     }
 };
 
-// The table is built once per global locale and thread. The flag, trivially destructible, is
-// still readable when the thread's objects are being destroyed: a comparison made then (by the
-// destructor of a static object, say) builds a table of its own.
-struct table_cache_t {
-    std::optional<locale_table_t> table;
-    ~table_cache_t();
+// The tables built, one per global locale seen, shared by every thread and never freed, so
+// that a comparison may run on any thread at any time (even while static objects are being
+// destroyed) and no thread-local object needs destroying. A program that keeps installing new
+// global locales stops adding tables after a few and builds its own table per comparison.
+class table_cache_t {
+  public:
+    static const locale_table_t* find(const std::locale& global) {
+        const locale_table_t* last = last_.load(std::memory_order_acquire);
+        if (last != nullptr && last->locale == global) {
+            return last;
+        }
+        static auto* const tables = new table_cache_t;
+        const std::lock_guard<std::mutex> lock(tables->mutex_);
+        for (const auto& table : tables->tables_) {
+            if (table->locale == global) {
+                last_.store(table.get(), std::memory_order_release);
+                return table.get();
+            }
+        }
+        if (tables->tables_.size() == max_tables) {
+            return nullptr;
+        }
+        tables->tables_.push_back(std::make_unique<locale_table_t>(global));
+        last_.store(tables->tables_.back().get(), std::memory_order_release);
+        return tables->tables_.back().get();
+    }
+
+  private:
+    static constexpr std::size_t max_tables = 8;
+    static inline std::atomic<const locale_table_t*> last_{nullptr};
+    std::mutex mutex_;
+    std::vector<std::unique_ptr<locale_table_t>> tables_;
 };
-thread_local bool table_cache_alive = true;
-thread_local table_cache_t table_cache;
-table_cache_t::~table_cache_t() {
-    table_cache_alive = false;
-}
 
 // Case-insensitive comparison of texts with the global locale's upper-casing
 // (docs/performance.md, "Path comparison").
@@ -58,9 +83,9 @@ class same_text_t {
   public:
     same_text_t() {
         std::locale global;
-        std::optional<locale_table_t>& table = table_cache_alive ? table_cache.table : own_;
-        if (!table || !(table->locale == global)) {
-            table.emplace(std::move(global));
+        const locale_table_t* table = table_cache_t::find(global);
+        if (table == nullptr) {
+            table = &own_.emplace(std::move(global));
         }
         ascii_ = table->ascii;
         ctype_ = table->ctype;

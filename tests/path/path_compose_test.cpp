@@ -273,9 +273,9 @@ TEST(path_compose, extensions_of_files_but_not_of_directories) {
     EXPECT_EQ(root.as_string(), L"C:\\");
 }
 
-// Equality keeps a table of the locale per thread. Threads that compare and end, and a
-// comparison made while the program's static objects are destroyed (after the main thread's
-// table), must neither leak nor read a destroyed table.
+// Equality keeps tables of the locale that every thread shares. Threads that compare and end,
+// and a comparison made while the program's static objects are destroyed, must neither leak
+// nor read a destroyed table.
 TEST(path_lifetime, comparisons_on_ending_threads_and_at_exit) {
     static const struct compares_at_exit_t {
         ~compares_at_exit_t() {
