@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config libboost1.81-dev libboost-filesystem1.81-dev libxml2-dev
-  zlib1g-dev dpkg-dev googletest libgtest-dev libbenchmark-dev libssl-dev clang libclang-rt-14-dev)
+  zlib1g-dev libisal-dev dpkg-dev googletest libgtest-dev libbenchmark-dev libssl-dev clang libclang-rt-14-dev)
 
 missing=()
 for package in "${packages[@]}"; do

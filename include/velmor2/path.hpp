@@ -10,7 +10,8 @@ namespace velmor2 {
 
 namespace _internal {
 
-/// The parsed model of a path: its names and the form it was written in.
+/// The parsed model of a path: its names and the form it was written in. `path_t` keeps it
+/// packed into one string rather than as these fields, for memory and speed.
 template <typename String> struct path_internal_t {
     /// The names of the path in order, root excluded; for a UNC path the first is the server.
     std::list<String> components;
@@ -172,10 +173,13 @@ public:
 
 private:
     bool is_drive_path() const;
+    _internal::path_internal_t<std::wstring> model() const;
     bool assign(const _internal::path_internal_t<std::wstring>& model);
     bool append(const _internal::path_internal_t<std::wstring>& model);
 
-    _internal::path_internal_t<std::wstring> path_;
+    // The model packed into one string (flags, drive, server, then the names with their
+    // lengths): one allocation per path. Empty for the empty path.
+    std::wstring packed_;
 };
 
 /// Parses `text` and normalises the result; text that does not parse gives the empty path.

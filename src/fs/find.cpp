@@ -1,7 +1,7 @@
 // Finding files by wildcard, and matching a path against a wildcard.
 #include "fs/entry_path.hpp"
 #include "fs/tree_walk.hpp"
-#include "fs/wildcard.hpp"
+#include "path/wildcard.hpp"
 #include "os/fs.hpp"
 
 #include <velmor2/file_system.hpp>

@@ -55,7 +55,9 @@ std::uint32_t crc32_update_portable(std::uint32_t crc, const std::uint8_t* data,
 
 std::uint32_t crc32_update(std::uint32_t crc, const std::uint8_t* data, std::size_t size) {
     using engine_t = std::uint32_t (*)(std::uint32_t, const std::uint8_t*, std::size_t);
-    static const engine_t engine = cpu::has_pclmul() ? crc32_update_pclmul : crc32_update_portable;
+    static const engine_t engine = has_isal()           ? crc32_update_isal
+                                   : cpu::has_pclmul() ? crc32_update_pclmul
+                                                       : crc32_update_portable;
     return engine(crc, data, size);
 }
 

@@ -1,6 +1,8 @@
 // CRC-32 by carry-less multiplication: four 128-bit lanes are folded forward over 64-byte
 // blocks, folded into one lane, reduced to 64 bits and then, by Barrett reduction, to the
-// 32-bit remainder. The constants are powers of x modulo the bit-reflected polynomial.
+// 32-bit remainder. The constants are powers of x modulo the bit-reflected polynomial. It serves
+// where ISA-L is not built in, the Windows build among them (docs/performance.md, "CRC-32 of a
+// buffer": about twice the speed of zlib, under half that of ISA-L).
 #include "hash/crc32.hpp"
 
 #include "cpu/features.hpp"

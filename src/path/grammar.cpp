@@ -13,7 +13,6 @@
 // outright, the stop position is where a combinator parser leaves its cursor: one past an
 // invalid first character.
 #include "path/grammar.hpp"
-#include "path/component_pool.hpp"
 
 namespace velmor2::_internal {
 namespace {
@@ -28,11 +27,52 @@ bool is_letter(wchar_t c) {
     return (c >= L'a' && c <= L'z') || (c >= L'A' && c <= L'Z');
 }
 
-class parser_t {
+// The parser's actions on the model: names appended to the list.
+class model_out_t {
   public:
-    parser_t(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
-             bool forbid_wildcards)
+    explicit model_out_t(path_internal_t<std::wstring>& model) : model_(model) {}
+
+    bool add_name(const wchar_t* first, const wchar_t* last) {
+        model_.components.emplace_back(first, last);
+        return true;
+    }
+    void set_server(const wchar_t* first, const wchar_t* last) { model_.server.assign(first, last); }
+    void set_drive(const wchar_t* letter) { model_.drive.assign(1, *letter); }
+    path_internal_t<std::wstring>& flags() { return model_; }
+
+  private:
+    path_internal_t<std::wstring>& model_;
+};
+
+// The parser's actions on places in the text; refused past the capacity for names.
+class spans_out_t {
+  public:
+    explicit spans_out_t(path_spans_t& spans) : spans_(spans) {}
+
+    bool add_name(const wchar_t* first, const wchar_t* last) {
+        if (spans_.count == path_spans_t::capacity) {
+            return false;
+        }
+        spans_.components[spans_.count++] = {first, static_cast<std::size_t>(last - first)};
+        return true;
+    }
+    void set_server(const wchar_t* first, const wchar_t* last) {
+        spans_.server = std::wstring_view(first, last - first);
+    }
+    void set_drive(const wchar_t* letter) { spans_.drive = std::wstring_view(letter, 1); }
+    path_spans_t& flags() { return spans_; }
+
+  private:
+    path_spans_t& spans_;
+};
+
+template <typename Out> class parser_t {
+  public:
+    parser_t(const wchar_t* begin, const wchar_t* end, Out out, bool forbid_wildcards)
         : p_(begin), end_(end), out_(out), forbid_wildcards_(forbid_wildcards) {}
+
+    // False when the output could take no more names.
+    bool complete() const { return complete_; }
 
     // Runs the `path` rule; false when its start fails. `p_` is left where the rule stopped.
     bool parse() {
@@ -40,7 +80,7 @@ class parser_t {
             ++p_;
         }
         if (long_prefix()) {
-            out_.posix = false;
+            out_.flags().posix = false;
         }
         if (!network_start() && !absolute_start() && !relative_start()) {
             return false;
@@ -89,7 +129,7 @@ class parser_t {
 
     // The name rule with its action. A failure on a character that is not a name character
     // consumes it, as the combinator's difference parser does.
-    bool name(std::wstring* copy_to = nullptr) {
+    bool name() {
         const wchar_t* start = p_;
         while (p_ != end_ && is_name_char(*p_)) {
             ++p_;
@@ -100,10 +140,7 @@ class parser_t {
             }
             return false;
         }
-        append_component(out_.components, start, p_);
-        if (copy_to != nullptr) {
-            *copy_to = out_.components.back();
-        }
+        complete_ = out_.add_name(start, p_) && complete_;
         return true;
     }
 
@@ -120,12 +157,12 @@ class parser_t {
         const wchar_t* save = p_;
         if (end_ - p_ >= 2 && is_separator(p_[0]) && is_separator(p_[1])) {
             p_ += 2;
-            std::wstring server;
-            if (name(&server)) {
-                out_.server = std::move(server);
-                out_.posix = false;
-                out_.network = true;
-                out_.absolute = true;
+            const wchar_t* start = p_;
+            if (name()) {
+                out_.set_server(start, p_);
+                out_.flags().posix = false;
+                out_.flags().network = true;
+                out_.flags().absolute = true;
                 return true;
             }
         }
@@ -135,11 +172,11 @@ class parser_t {
 
     bool absolute_start() {
         if (p_ != end_ && is_letter(*p_)) {
-            out_.drive.assign(1, *p_);
+            out_.set_drive(p_);
             if (end_ - p_ >= 2 && p_[1] == L':') {
                 p_ += 2;
-                out_.posix = false;
-                out_.absolute = true;
+                out_.flags().posix = false;
+                out_.flags().absolute = true;
                 return true;
             }
         }
@@ -149,8 +186,8 @@ class parser_t {
             if (!name()) {
                 p_ = save;
             }
-            out_.windows = false;
-            out_.absolute = true;
+            out_.flags().windows = false;
+            out_.flags().absolute = true;
             return true;
         }
         return false;
@@ -160,18 +197,40 @@ class parser_t {
         if (!name()) {
             return false;
         }
-        out_.relative = true;
+        out_.flags().relative = true;
         return true;
     }
 
     const wchar_t* p_;
     const wchar_t* end_;
-    path_internal_t<std::wstring>& out_;
+    Out out_;
     bool forbid_wildcards_;
+    bool complete_ = true;
 };
 
 bool is_quote(wchar_t c) {
     return c == L'\'' || c == L'"';
+}
+
+// Trims the quotes and runs the parser; the flags must have been reset.
+template <typename Out>
+bool run_parser(const wchar_t* begin, const wchar_t* end, Out out, bool forbid_wildcards,
+                int& stop_position, bool& complete) {
+    while (begin != end && is_quote(*begin)) {
+        ++begin;
+    }
+    while (end != begin && is_quote(end[-1])) {
+        --end;
+    }
+    parser_t<Out> parser(begin, end, out, forbid_wildcards);
+    const bool hit = parser.parse();
+    complete = parser.complete();
+    if (hit && parser.position() == end) {
+        stop_position = -1;
+        return true;
+    }
+    stop_position = static_cast<int>(parser.position() - begin);
+    return false;
 }
 
 } // namespace
@@ -193,26 +252,22 @@ bool parse_path(const std::wstring& text, path_internal_t<std::wstring>& out, bo
 
 bool parse_path(const wchar_t* begin, const wchar_t* end, path_internal_t<std::wstring>& out,
                 bool forbid_wildcards, int& stop_position) {
-    recycle_components(out.components);
+    out.components.clear();
     out.relative = out.absolute = out.network = false;
     out.drive.clear();
     out.server.clear();
     out.windows = out.posix = true;
+    bool complete;
+    return run_parser(begin, end, model_out_t(out), forbid_wildcards, stop_position, complete);
+}
 
-    while (begin != end && is_quote(*begin)) {
-        ++begin;
-    }
-    while (end != begin && is_quote(end[-1])) {
-        --end;
-    }
-    parser_t parser(begin, end, out, forbid_wildcards);
-    const bool hit = parser.parse();
-    if (hit && parser.position() == end) {
-        stop_position = -1;
-        return true;
-    }
-    stop_position = static_cast<int>(parser.position() - begin);
-    return false;
+bool parse_path(const wchar_t* begin, const wchar_t* end, path_spans_t& out, bool& complete) {
+    out.relative = out.absolute = out.network = false;
+    out.windows = out.posix = true;
+    out.drive = out.server = std::wstring_view();
+    out.count = 0;
+    int stop_position;
+    return run_parser(begin, end, spans_out_t(out), false, stop_position, complete);
 }
 
 } // namespace velmor2::_internal

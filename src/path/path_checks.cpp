@@ -1,63 +1,18 @@
 // path_t: validation, wildcard matching and what the file system says about a path.
 #include "os/file_status.hpp"
-#include "path/component_pool.hpp"
 #include "path/grammar.hpp"
-
-#include <boost/regex.hpp>
-#if defined(_WIN32)
-// Boost.Regex leaves the Win32 traits out of its umbrella header under MinGW; they are
-// header-only and work there.
-#include <boost/regex/v5/w32_regex_traits.hpp>
-#endif
+#include "path/packed.hpp"
+#include "path/wildcard.hpp"
 
 namespace velmor2 {
-namespace {
-
-#if defined(_WIN32)
-using wildcard_regex_t =
-    boost::basic_regex<wchar_t, boost::regex_traits<wchar_t, boost::w32_regex_traits<wchar_t>>>;
-#else
-using wildcard_regex_t = boost::wregex;
-#endif
-
-std::wstring wildcard_to_regex(const std::wstring& pattern) {
-    static const std::wstring special = L".[]{}()\\*+?|^$";
-    std::wstring expression;
-    expression.reserve(pattern.size() * 2);
-    for (wchar_t c : pattern) {
-        if (c == L'?') {
-            expression += L'.';
-        } else if (c == L'*') {
-            expression += L".*";
-        } else {
-            if (special.find(c) != std::wstring::npos) {
-                expression += L'\\';
-            }
-            expression += c;
-        }
-    }
-    return expression;
-}
-
-} // namespace
 
 bool path_t::validate(const std::wstring& text, bool forbid_wildcards, int& stop_position) {
     _internal::path_internal_t<std::wstring> scratch;
-    const bool valid = _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
-    _internal::recycle_components(scratch.components);
-    return valid;
+    return _internal::parse_path(text, scratch, forbid_wildcards, stop_position);
 }
 
 bool path_t::match(const std::wstring& pattern) const {
-    try {
-        const wildcard_regex_t expression(wildcard_to_regex(pattern));
-        return boost::regex_match(as_string(), expression);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        // A pattern too complex for the matcher matches nothing.
-        return false;
-    }
+    return _internal::wildcard_match(pattern, as_string());
 }
 
 bool path_t::exists(const std::wstring& text) {
@@ -78,8 +33,9 @@ bool path_t::exists(const std::wstring& text) {
     }
     // A bare drive (`C:`) is the only text whose "not found" gets a second look.
     const path_t path(text);
-    return path.is_drive_path() && path.path_.components.empty() &&
-           _internal::os::drive_has_root(path.path_.drive[0]);
+    const _internal::packed_view_t view(path.packed_);
+    return path.is_drive_path() && view.count == 0 && !view.drive.empty() &&
+           _internal::os::drive_has_root(view.drive[0]);
 }
 
 bool path_t::is_exists() const {
@@ -113,7 +69,8 @@ void path_t::readonly(const std::wstring& text, bool& read_only, bool& unknown) 
         break;
     }
     const path_t path(text);
-    if (path.is_drive_path() && _internal::os::is_cdrom_drive(path.path_.drive[0])) {
+    const _internal::packed_view_t view(path.packed_);
+    if (path.is_drive_path() && !view.drive.empty() && _internal::os::is_cdrom_drive(view.drive[0])) {
         read_only = true;
     }
     unknown = false;

@@ -41,8 +41,9 @@ TEST(crc32, engines_agree_with_the_check_value_and_bitwise_at_every_length_and_a
             const std::string bytes(data.begin() + offset, data.begin() + offset + length);
             const std::uint32_t expected = bitwise_crc(bytes);
             const std::uint8_t* p = data.data() + offset;
-            for (const auto engine : {_internal::crc32_update_portable,
-                                      _internal::crc32_update_pclmul, _internal::crc32_update}) {
+            for (const auto engine :
+                 {_internal::crc32_update_portable, _internal::crc32_update_pclmul,
+                  _internal::crc32_update_isal, _internal::crc32_update}) {
                 ASSERT_EQ(engine(0xFFFFFFFF, p, length) ^ 0xFFFFFFFF, expected);
             }
         }

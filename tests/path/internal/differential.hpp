@@ -3,6 +3,7 @@
 
 #include "path/grammar.hpp"
 #include "path/internal/reference_grammar.hpp"
+#include "path/packed.hpp"
 
 #include <cstdio>
 #include <sstream>
@@ -57,6 +58,21 @@ class differential_t {
         field("server", mine.server, theirs.server);
         field("absolute", mine.absolute, theirs.absolute);
         field("network", mine.network, theirs.network);
+        if (!forbid_wildcards_) {
+            // The constructors' parse into places in the text must pack to the same path.
+            _internal::path_spans_t spans;
+            bool complete = false;
+            const bool spans_result =
+                _internal::parse_path(text.data(), text.data() + text.size(), spans, complete);
+            std::wstring packed_spans;
+            std::wstring packed_model;
+            if (spans_result && complete) {
+                _internal::pack(spans, packed_spans);
+                _internal::pack(mine, packed_model);
+            }
+            field("spans", spans_result, my_result);
+            field("packed", packed_spans, packed_model);
+        }
         if (out.tellp() == 0) {
             return {};
         }

@@ -109,6 +109,12 @@ TEST(path_parse, prints_the_long_path_prefix_from_248_characters) {
     EXPECT_EQ(path_t(L"C:\\" + name + L"xyz").as_string(), L"\\\\?\\C:\\" + name + L"xyz");
     // Printed again from the model: a short path written with the prefix loses it.
     EXPECT_EQ(path_t(L"\\\\?\\C:\\short").as_string(), L"C:\\short");
+    // Deeper than the constructors' fast parse takes: every name is kept.
+    std::wstring deep = L"C:";
+    for (int i = 0; i < 40; ++i) {
+        deep += L"\\" + std::to_wstring(i);
+    }
+    EXPECT_EQ(path_t(deep).as_string(), deep);
 }
 
 TEST(path_parse, make_path_normalises_and_reads_utf8) {

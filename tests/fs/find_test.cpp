@@ -1,5 +1,4 @@
 // find_files on real trees: search order, recursion, and agreement with path_t::match.
-#include "fs/wildcard.hpp"
 #include "support/temp_tree.hpp"
 
 #include <velmor2/file_system.hpp>
@@ -116,55 +115,6 @@ TEST(find_files, the_long_path_prefix_never_decides_a_match) {
         pattern.append(path_t(L"*.txt"));
         EXPECT_TRUE(velmor2::match_pattern(pattern, file)) << file.as_string().size();
     }
-}
-
-TEST(wildcard, agrees_with_path_match) {
-    // Case, both separators, regular-expression characters, backtracking and empty texts.
-    const wchar_t* texts[] = {
-        L"C:\\src\\a.cpp", L"\\tmp\\x\\.xml", L"\\tmp\\x\\a\nb",       L"", L"aaa",
-        L"a*b?c",          L"[x]+(y)$^",      L"\\\\srv\\share\\f.txt"};
-    const wchar_t* patterns[] = {L"C:\\src\\*.cpp",
-                                 L"c:\\src\\*.cpp",
-                                 L"C:/src/*.cpp",
-                                 L"C:\\src\\?.cpp",
-                                 L"*",
-                                 L"",
-                                 L"?",
-                                 L"*a*a*",
-                                 L"*?*",
-                                 L"a?b?c",
-                                 L"[x]+(y)$^",
-                                 L"\\tmp\\x\\a?b",
-                                 L"**",
-                                 L"*\\*",
-                                 L"\\\\srv\\*\\f.*"};
-    for (const wchar_t* text : texts) {
-        for (const wchar_t* pattern : patterns) {
-            const path_t path(text);
-            SCOPED_TRACE(testing::Message() << path.as_string().size() << " " << wcslen(pattern));
-            EXPECT_EQ(velmor2::_internal::wildcard_t(pattern).match(path.as_string()),
-                      path.match(pattern));
-        }
-    }
-}
-
-TEST(wildcard, known_prefix_gives_the_same_answers) {
-    const std::wstring texts[] = {L"\\d\\a.xml", L"\\d\\b.txt", L"\\d\\", L"\\e\\a.xml"};
-    for (const wchar_t* pattern : {L"\\d\\*.xml", L"\\d?\\*", L"*.xml", L"\\d\\a.xml", L"\\"}) {
-        const velmor2::_internal::wildcard_t wildcard(pattern);
-        const std::size_t known = wildcard.literal_prefix(L"\\d\\");
-        for (const std::wstring& text : texts) {
-            if (text.compare(0, 3, L"\\d\\") == 0) {
-                EXPECT_EQ(wildcard.match(text, known), wildcard.match(text));
-            }
-        }
-    }
-}
-
-TEST(wildcard, pathological_pattern_stays_fast) {
-    const std::wstring text(4000, L'a');
-    const std::wstring pattern = std::wstring(40, L'*') + L"a*b";
-    EXPECT_FALSE(velmor2::_internal::wildcard_t(pattern).match(text));
 }
 
 } // namespace
