@@ -174,12 +174,12 @@ bool is_loadable(const xmlNode* element, std::size_t above) {
 
 std::string to_xml_utf8(const std::wstring& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<std::uint32_t>(text[i]);
-        const bool paired = sizeof(wchar_t) == 2 && c >= 0xD800 && c <= 0xDBFF &&
-                            i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        const auto c = static_cast<char32_t>(text[i]);
+        const bool paired = sizeof(wchar_t) == 2 && is_high_surrogate(c) && i + 1 < text.size() &&
+                            is_low_surrogate(static_cast<char32_t>(text[i + 1]));
         if (paired) {
             ++i;
-        } else if ((c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF) {
+        } else if (is_high_surrogate(c) || is_low_surrogate(c) || c > 0x10FFFF) {
             return "\xEF\xBF\xBF";
         }
     }

@@ -1,6 +1,8 @@
 // The bytes that hashing sees for a wide string: its UTF-16 code units, low byte first.
 #pragma once
 
+#include "unicode/convert.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -19,8 +21,7 @@ std::size_t copy_bmp_units(const wchar_t* p, std::size_t count, char16_t* out);
 
 /// Calls `sink(const std::uint8_t* bytes, std::size_t size)` with the UTF-16LE bytes of
 /// `text`, in order, in one or more pieces. Where `wchar_t` is UTF-16 these are the string's own
-/// units; where it is UTF-32, characters above U+FFFF become surrogate pairs, a lone surrogate
-/// stays the unit it is (as in a UTF-16 string) and values above U+10FFFF become U+FFFD.
+/// units; where it is UTF-32, those of `encode_utf16` (as `to_utf16` gives them).
 template <typename Sink> void for_each_utf16_piece(const std::wstring& text, Sink&& sink) {
     if constexpr (sizeof(wchar_t) == 2) {
         if (!text.empty()) {
@@ -39,15 +40,7 @@ template <typename Sink> void for_each_utf16_piece(const std::wstring& text, Sin
             p += copied;
             n += copied;
             if (p != end && n + 2 <= capacity) {
-                const auto c = static_cast<std::uint32_t>(*p++);
-                if (c < 0x10000) {
-                    units[n++] = static_cast<char16_t>(c);
-                } else if (c <= 0x10FFFF) {
-                    units[n++] = static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-                    units[n++] = static_cast<char16_t>(0xDC00 + (c & 0x3FF));
-                } else {
-                    units[n++] = 0xFFFD;
-                }
+                n += encode_utf16(static_cast<char32_t>(*p++), units + n);
             }
             if (n + 2 > capacity) {
                 sink(reinterpret_cast<const std::uint8_t*>(units), n * 2);

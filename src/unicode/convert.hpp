@@ -10,6 +10,42 @@ namespace velmor2::_internal {
 /// Replacement character produced for every byte sequence or code unit that cannot be decoded.
 constexpr char32_t replacement_char = 0xFFFD;
 
+/// True for the first unit of a UTF-16 surrogate pair.
+constexpr bool is_high_surrogate(char32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+/// True for the second unit of a UTF-16 surrogate pair.
+constexpr bool is_low_surrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+/// The character of the surrogate pair `high`, `low`.
+constexpr char32_t combine_surrogates(char32_t high, char32_t low) {
+    return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
+}
+
+/// The library's one UTF-16 encoder: writes the units of `c` to `out` (room for two) and
+/// returns their count. A character above U+FFFF becomes a surrogate pair; a lone surrogate
+/// stays the unit it is, as a UTF-16 string holds it, so that a wide string has the same
+/// UTF-16 form where `wchar_t` is 16 bits and where it is 32; a value above U+10FFFF becomes
+/// U+FFFD. (UTF-8 has no form for a lone surrogate: there it becomes U+FFFD.)
+///
+///   U+0041 => 0041     U+10400 => D801 DC00     U+D800 => D800     0x110000 => FFFD
+template <typename unit_t> std::size_t encode_utf16(char32_t c, unit_t* out) {
+    if (c < 0x10000) {
+        out[0] = static_cast<unit_t>(c);
+        return 1;
+    }
+    if (c > 0x10FFFF) {
+        out[0] = static_cast<unit_t>(replacement_char);
+        return 1;
+    }
+    out[0] = static_cast<unit_t>(0xD800 + ((c - 0x10000) >> 10));
+    out[1] = static_cast<unit_t>(0xDC00 + (c & 0x3FF));
+    return 2;
+}
+
 /// True when the bytes at `p` (with `count` bytes left in the buffer) begin one valid UTF-8
 /// sequence: no overlong form, no surrogate, nothing above U+10FFFF.
 bool validate_utf8(const char* p, std::size_t count);
@@ -32,9 +68,10 @@ std::wstring to_ustring(const std::wstring& text);
 /// Zero-terminated UTF-16 code units to wide text; pairs are combined where `wchar_t` is 32 bits.
 std::wstring to_ustring(const char16_t* utf16);
 
-/// Wide text as UTF-16 code units.
+/// Wide text as UTF-16 code units (`encode_utf16` of each character; where `wchar_t` is 16 bits,
+/// the text's own units).
 std::u16string to_utf16(const std::wstring& text);
-/// Wide text as UTF-16 code units held in a wide string, one unit per element.
+/// `to_utf16` held in a wide string, one unit per element.
 std::wstring to_widechar(const std::wstring& text);
 
 /// Unicode simple lower-case mapping of one character, independent of the process locale.

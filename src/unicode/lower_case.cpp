@@ -227,12 +227,10 @@ std::wstring tolower(const std::wstring& text) {
     for (std::size_t i = 0; i < out.size(); ++i) {
         const char32_t unit = static_cast<char32_t>(out[i]);
         // Where wide text is UTF-16, characters above U+FFFF are mapped as whole pairs.
-        if (sizeof(wchar_t) == 2 && unit >= 0xD800 && unit <= 0xDBFF && i + 1 < out.size() &&
-            out[i + 1] >= 0xDC00 && out[i + 1] <= 0xDFFF) {
-            const char32_t code = 0x10000 + ((unit - 0xD800) << 10) + (out[i + 1] - 0xDC00);
-            const char32_t lower = lower_code(code) - 0x10000;
-            out[i] = static_cast<wchar_t>(0xD800 + (lower >> 10));
-            out[i + 1] = static_cast<wchar_t>(0xDC00 + (lower & 0x3FF));
+        if (sizeof(wchar_t) == 2 && is_high_surrogate(unit) && i + 1 < out.size() &&
+            is_low_surrogate(static_cast<char32_t>(out[i + 1]))) {
+            encode_utf16(lower_code(combine_surrogates(unit, static_cast<char32_t>(out[i + 1]))),
+                         &out[i]);
             ++i;
         } else {
             out[i] = static_cast<wchar_t>(lower_code(unit));

@@ -7,7 +7,9 @@ namespace {
 
 constexpr bool wide_is_utf16 = sizeof(wchar_t) == 2;
 
-bool is_surrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
+bool is_surrogate(char32_t c) {
+    return is_high_surrogate(c) || is_low_surrogate(c);
+}
 
 struct decoded_t {
     std::size_t length; // bytes consumed, as get_utf8_length counts them
@@ -79,14 +81,8 @@ void append_utf8(std::string& out, char32_t c) {
 }
 
 template <typename String> void append_utf16(String& out, char32_t c) {
-    using unit = typename String::value_type;
-    if (c < 0x10000) {
-        out += static_cast<unit>(c);
-    } else {
-        c -= 0x10000;
-        out += static_cast<unit>(0xD800 + (c >> 10));
-        out += static_cast<unit>(0xDC00 + (c & 0x3FF));
-    }
+    typename String::value_type units[2];
+    out.append(units, encode_utf16(c, units));
 }
 
 void append_wide(std::wstring& out, char32_t c) {
@@ -101,14 +97,14 @@ void append_wide(std::wstring& out, char32_t c) {
 template <typename Unit> char32_t next_utf16(const Unit*& p, const Unit* end) {
     const char32_t first = static_cast<char32_t>(p[0]) & 0xFFFF;
     ++p;
-    if (first < 0xD800 || first > 0xDFFF) {
+    if (!is_high_surrogate(first) && !is_low_surrogate(first)) {
         return first;
     }
-    if (first <= 0xDBFF && p != end) {
+    if (is_high_surrogate(first) && p != end) {
         const char32_t second = static_cast<char32_t>(p[0]) & 0xFFFF;
-        if (second >= 0xDC00 && second <= 0xDFFF) {
+        if (is_low_surrogate(second)) {
             ++p;
-            return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+            return combine_surrogates(first, second);
         }
     }
     return replacement_char;
@@ -187,7 +183,9 @@ std::wstring to_ustring(const char16_t* utf16) {
 std::u16string to_utf16(const std::wstring& text) {
     std::u16string out;
     out.reserve(text.size());
-    for_each_char(text, [&out](char32_t c) { append_utf16(out, c); });
+    for (const wchar_t c : text) {
+        append_utf16(out, static_cast<char32_t>(c));
+    }
     return out;
 }
 

@@ -64,6 +64,8 @@ TEST(utf16_conversion, pairs_are_split_and_combined) {
     const char16_t lone[] = {0xDC00, u'a', 0xD800, 0};
     EXPECT_EQ(to_ustring(lone), L"\uFFFDa\uFFFD");
     EXPECT_EQ(to_widechar(L"\U00010400").size(), 2u);
+    // A lone surrogate keeps its unit in UTF-16, as a 16-bit wide string holds it.
+    EXPECT_EQ(to_utf16(std::wstring(1, static_cast<wchar_t>(0xDC00))), std::u16string(1, 0xDC00));
 }
 
 TEST(ansi_conversion, unmappable_characters_become_question_marks) {
