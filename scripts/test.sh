@@ -23,7 +23,7 @@ cmake -S . -B build/tsan -DCMAKE_BUILD_TYPE=Debug -DVELMOR_WERROR=ON -DVELMOR_BU
   -DCMAKE_CXX_COMPILER=clang++ -DVELMOR_SANITIZE=thread
 cmake --build build/tsan --parallel "$jobs" --target velmor_config_tests velmor_runtime_tests
 TSAN_OPTIONS=halt_on_error=1 build/tsan/tests/velmor_config_tests
-TSAN_OPTIONS=halt_on_error=1 build/tsan/tests/velmor_runtime_tests
+TSAN_OPTIONS=halt_on_error=1 build/tsan/tests/runtime/velmor_runtime_tests
 
 # The installed package: a consumer built with the CMake package and with pkg-config, and the
 # Debian package installed and run.
