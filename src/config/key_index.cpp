@@ -1,5 +1,6 @@
 // A flat hash table: one array of slots, so that a look-up touches one slot and then the
-// entry, and a store of many keys costs no allocation per key.
+// entry, and a store of many keys costs no allocation per key. Figures: docs/performance.md,
+// "Configuration store".
 #include "config/key_index.hpp"
 #include "config/prefetch.hpp"
 

@@ -1,5 +1,6 @@
 // Asking for memory before it is read, where a loop knows the addresses it will need a few
-// steps ahead: a hint, with no effect on what the program computes.
+// steps ahead: a hint, with no effect on what the program computes. Figures:
+// docs/performance.md, "Configuration store".
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// Key-to-element look-up of a save without scanning siblings.
+// Key-to-element look-up of a save without scanning siblings. Figures: docs/performance.md,
+// "Configuration store".
 #include "config/save_tree.hpp"
 #include "config/xml_check.hpp"
 

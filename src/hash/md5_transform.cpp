@@ -1,6 +1,7 @@
 // The MD5 compression function written out step by step: the message words are loaded once,
 // the round constants are immediate operands, the rotations are constants, and the round
 // functions use the forms with the shortest dependency on the previous step's result.
+// Figures: docs/performance.md, "MD5".
 #include "hash/md5_transform.hpp"
 
 namespace velmor2::_internal {

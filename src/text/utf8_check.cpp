@@ -1,4 +1,5 @@
-// The portable UTF-8 check and the choice of engine.
+// The portable UTF-8 check and the choice of engine. Figures: docs/performance.md, "Text
+// detection".
 #include "text/utf8_check.hpp"
 
 #include "cpu/features.hpp"
