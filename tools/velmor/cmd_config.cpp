@@ -230,7 +230,8 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
                        L"not changed");
     }
     if (!velmor2::save_xml_document(file, doc.get())) {
-        report(L"config", name, L"cannot be written (no access, disk full, or in use); left as it was");
+        report(L"config", name,
+               L"cannot be written (no access, disk full, or in use); left as it was");
         return exit_failed;
     }
     return exit_ok;
