@@ -1,6 +1,7 @@
 // Directory and file operations on POSIX: mkdir, rmdir, unlink, rename, a copy loop, and the
 // walks relative to an open directory (openat, fstatat, unlinkat) that never follow a link.
 #include "os/fs.hpp"
+#include "os/posix/descriptor.hpp"
 #include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 #include "unicode/convert.hpp"
@@ -41,38 +42,6 @@ int rename_no_replace(const char* from, const char* to) {
     return ::rename(from, to);
 }
 
-// Closes a descriptor on every way out, keeping errno of the failure being reported.
-class fd_t {
-  public:
-    explicit fd_t(int fd = -1) : fd_(fd) {}
-    ~fd_t() { reset(-1); }
-    fd_t(const fd_t&) = delete;
-    fd_t& operator=(const fd_t&) = delete;
-    int get() const { return fd_; }
-    void reset(int fd) {
-        if (fd_ >= 0) {
-            const int saved = errno;
-            ::close(fd_);
-            errno = saved;
-        }
-        fd_ = fd;
-    }
-    // Hands the descriptor over to the caller.
-    int take() {
-        const int fd = fd_;
-        fd_ = -1;
-        return fd;
-    }
-    // Closes now; false (errno set) when the system reports a late write failure.
-    bool close() {
-        const int fd = fd_;
-        fd_ = -1;
-        return ::close(fd) == 0;
-    }
-
-  private:
-    int fd_;
-};
 
 } // namespace
 

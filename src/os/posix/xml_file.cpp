@@ -1,6 +1,7 @@
 // XML file descriptors with flock advisory locks (per open file description, so two opens in
 // one process exclude each other as two processes do), and saves by write, fsync and rename.
 #include "os/xml_file.hpp"
+#include "os/posix/descriptor.hpp"
 #include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 
@@ -16,32 +17,6 @@
 namespace velmor2::_internal::os {
 namespace {
 
-// Closes on every way out.
-class descriptor_t {
-  public:
-    explicit descriptor_t(int fd) : fd_(fd) {}
-    ~descriptor_t() {
-        if (fd_ >= 0) {
-            const int saved = errno;
-            ::close(fd_);
-            errno = saved;
-        }
-    }
-    descriptor_t(const descriptor_t&) = delete;
-    descriptor_t& operator=(const descriptor_t&) = delete;
-    int get() const { return fd_; }
-    // Gives up ownership.
-    void release() { fd_ = -1; }
-    // Closes now; false when the system reports a late write failure.
-    bool close() {
-        const int fd = fd_;
-        fd_ = -1;
-        return ::close(fd) == 0;
-    }
-
-  private:
-    int fd_;
-};
 
 int open_retrying(const char* native, int flags, mode_t mode) {
     return retry_interrupted([&] { return fs_calls().open(native, flags | O_CLOEXEC, mode); });
@@ -109,7 +84,7 @@ void sync_folder_of(const std::string& target) {
     const std::string folder = slash == std::string::npos ? "."
                                : slash == 0               ? "/"
                                                           : target.substr(0, slash);
-    const descriptor_t fd(open_retrying(folder.c_str(), O_RDONLY | O_DIRECTORY, 0));
+    const fd_t fd(open_retrying(folder.c_str(), O_RDONLY | O_DIRECTORY, 0));
     if (fd.get() >= 0) {
         fs_calls().fsync(fd.get());
     }
@@ -118,14 +93,14 @@ void sync_folder_of(const std::string& target) {
 } // namespace
 
 int open_xml_for_reading(const std::wstring& printed) {
-    descriptor_t fd(open_retrying(native_bytes(printed).c_str(), O_RDONLY | O_NONBLOCK, 0));
+    fd_t fd(open_retrying(native_bytes(printed).c_str(), O_RDONLY | O_NONBLOCK, 0));
     struct stat st;
     if (fd.get() < 0 || ::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode) ||
         ::flock(fd.get(), LOCK_SH | LOCK_NB) != 0) {
         return -1;
     }
     const int descriptor = fd.get();
-    fd.release();
+    fd.take();
     return descriptor;
 }
 
@@ -136,14 +111,14 @@ void close_xml_file(int descriptor) {
 bool replace_xml_file(const std::wstring& printed, const std::string& text) {
     const std::string target = final_target(native_bytes(printed));
     // O_NONBLOCK: a FIFO without a reader fails at once instead of blocking.
-    const descriptor_t held(open_retrying(target.c_str(), O_WRONLY | O_NONBLOCK, 0));
+    const fd_t held(open_retrying(target.c_str(), O_WRONLY | O_NONBLOCK, 0));
     const bool exists = held.get() >= 0;
     struct stat old;
     if ((!exists && errno != ENOENT) || (exists && !hold_alone(held.get(), target, old))) {
         return false;
     }
     std::string staged_name;
-    descriptor_t staged(create_beside(target, staged_name));
+    fd_t staged(create_beside(target, staged_name));
     if (staged.get() < 0) {
         return exists && (errno == EACCES || errno == EPERM) && write_in_place(held.get(), text);
     }
