@@ -82,7 +82,7 @@ TEST(create_directory, makes_every_missing_level_and_accepts_what_exists) {
 #endif
 }
 
-TEST(remove_directory, non_recursive_only_takes_an_empty_directory) {
+TEST(remove_directory_and_file, non_recursive_only_takes_an_empty_directory_files_only_files) {
     temp_tree_t tree;
     tree.make_dir("empty");
     tree.write("full/x");
@@ -93,6 +93,17 @@ TEST(remove_directory, non_recursive_only_takes_an_empty_directory) {
     EXPECT_FALSE(velmor2::remove_directory(tree.path("missing"), true));
     EXPECT_FALSE(velmor2::remove_directory(tree.path("full/x"), true));
     EXPECT_TRUE(tree.has("full/x"));
+    // remove_file deletes plain files only.
+    tree.write("plain");
+    tree.write("ro");
+    fs::permissions(tree.native("ro"), fs::perms::owner_read);
+    EXPECT_TRUE(velmor2::remove_file(tree.path("plain")));
+    EXPECT_FALSE(tree.has("plain"));
+    // Read-only means no write bit, for root too: the refusal is the library's, not the kernel's.
+    EXPECT_FALSE(velmor2::remove_file(tree.path("ro")));
+    EXPECT_TRUE(tree.has("ro"));
+    EXPECT_FALSE(velmor2::remove_file(tree.path("full")));
+    EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
 }
 
 TEST(remove_directory, recursive_takes_read_only_files_and_directories_and_hidden_names) {
@@ -123,7 +134,7 @@ TEST(rename_directory, moves_directories_and_files_but_never_onto_something) {
     EXPECT_EQ(tree.read("file2"), "f");
 }
 
-TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites) {
+TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites_and_refusals) {
     temp_tree_t tree;
     tree.write("src", std::string("a\0b\r\n", 5));
     tree.write("existing", "keep");
@@ -137,11 +148,7 @@ TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites) {
 
     EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("existing")));
     EXPECT_EQ(tree.read("existing"), "keep");
-}
 
-TEST(copy_file, refusals) {
-    temp_tree_t tree;
-    tree.write("src");
     tree.make_dir("dir");
     struct case_t {
         const char* name;
@@ -159,21 +166,6 @@ TEST(copy_file, refusals) {
         EXPECT_FALSE(velmor2::copy_file(tree.path(c.from), tree.path(c.to)));
     }
     EXPECT_FALSE(tree.has("b") || tree.has("c") || tree.has("no"));
-}
-
-TEST(remove_file, deletes_plain_files_only) {
-    temp_tree_t tree;
-    tree.write("plain");
-    tree.write("ro");
-    tree.make_dir("dir");
-    fs::permissions(tree.native("ro"), fs::perms::owner_read);
-    EXPECT_TRUE(velmor2::remove_file(tree.path("plain")));
-    EXPECT_FALSE(tree.has("plain"));
-    // Read-only means no write bit, for root too: the refusal is the library's, not the kernel's.
-    EXPECT_FALSE(velmor2::remove_file(tree.path("ro")));
-    EXPECT_TRUE(tree.has("ro"));
-    EXPECT_FALSE(velmor2::remove_file(tree.path("dir")));
-    EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
 }
 
 TEST(copy_directory, copies_the_tree_with_any_unicode_name_and_leaves_dot_names_out) {
@@ -240,11 +232,6 @@ TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_
     EXPECT_EQ(tree.read("s/sub2/a.txt"), "a");
     EXPECT_FALSE(tree.has("new") || tree.has("s/backup") || tree.has("s/sub/x") ||
                  tree.has("s/copy"));
-}
-
-TEST(match_pattern, pattern_comes_first) {
-    EXPECT_TRUE(velmor2::match_pattern(path_t(L"C:\\x\\*.txt"), path_t(L"C:\\x\\a.txt")));
-    EXPECT_FALSE(velmor2::match_pattern(path_t(L"C:\\x\\a.txt"), path_t(L"C:\\x\\*.txt")));
 }
 
 } // namespace

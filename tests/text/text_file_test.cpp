@@ -27,9 +27,7 @@ TEST(file_content, utf8_round_trip) {
 TEST(file_content, utf16_round_trip_keeps_the_mark_and_pairs) {
     temp_tree_t dir;
     ASSERT_TRUE(set_file_content(L"A\U0001F600", cp_utf16, dir.path("f")));
-    EXPECT_EQ(dir.read("f"), std::string("\xFF\xFE"
-                                         "A\0\x3D\xD8\x00\xDE",
-                                         8));
+    EXPECT_EQ(dir.read("f"), std::string("\xFF\xFE\x41\0\x3D\xD8\x00\xDE", 8));
     EXPECT_EQ(get_file_cp(dir.path("f")), cp_utf16);
     EXPECT_EQ(get_file_content(cp_utf16, dir.path("f")), L"\uFEFFA\U0001F600");
 
@@ -43,8 +41,7 @@ TEST(file_content, ansi_round_trip_and_fallbacks) {
     for (const code_page_t cp : {cp_ansi, cp_unknown, static_cast<code_page_t>(42)}) {
         SCOPED_TRACE(cp);
         ASSERT_TRUE(set_file_content(text, cp, dir.path("f")));
-        EXPECT_EQ(dir.read("f"), "Gr\xFC\xDF"
-                                 "e \x80");
+        EXPECT_EQ(dir.read("f"), "Gr\xFC\xDF\x65 \x80");
         EXPECT_EQ(get_file_cp(dir.path("f")), cp_ansi);
         EXPECT_EQ(get_file_content(cp, dir.path("f")), text);
     }
@@ -79,20 +76,12 @@ TEST(file_content, text_ends_at_the_first_zero_character) {
     EXPECT_EQ(get_file_content(cp_ansi, dir.make_file("b", std::string("ab\0cd", 5))), L"ab");
     EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
               L"\uFEFFx");
-    // A zero byte inside a unit does not end UTF-16 text.
+    // A zero byte inside a unit does not end UTF-16 text; an odd length ends with a half unit.
     EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("d", std::string("\xFF\xFE\0\x4E", 4))),
               L"\uFEFF\u4E00");
-}
-
-TEST(file_content, odd_length_utf16_file_ends_with_a_half_unit) {
-    temp_tree_t dir;
-    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE"
-                                                                        "A\0B",
-                                                                        5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE\x41\0B", 5))),
               L"\uFEFFAB");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE"
-                                                                        "A\0\0",
-                                                                        5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE\x41\0\0", 5))),
               L"\uFEFFA");
 }
 
@@ -145,16 +134,8 @@ TEST(xml_file_content, declaration_rules) {
         {"processing instruction without declaration", "<a/><?pi UTF-8?>rest", L"rest"},
         {"ANSI file with a declaration", "<?xml encoding='windows-1252'?><a>\xE9</a>", L""},
         {"ANSI file without declaration", "<a>\xE9</a>", L"<a>\u00E9</a>"},
-        {"UTF-16 file",
-         std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0"
-                     "1\0"
-                     "6\0?\0>\0x\0",
-                     24),
-         L"x"},
-        {"UTF-16 file naming UTF-8",
-         std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0"
-                     "8\0?\0>\0x\0",
-                     22),
+        {"UTF-16 file", std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0\x31\0\x36\0?\0>\0x\0", 24), L"x"},
+        {"UTF-16 file naming UTF-8", std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0\x38\0?\0>\0x\0", 22),
          L""},
         {"empty file", "", L""},
     };

@@ -97,30 +97,18 @@ TEST(get_file_cp, boundary_cases_and_unopenable_files) {
         {"one byte FF", "\xFF", cp_utf8},
         {"ascii", "hello\r\nworld", cp_utf8},
         {"lone lead byte last", "abc\xC3", cp_utf8},
-        {"lone lead byte in the middle",
-         "ab\xC3"
-         "cd",
-         cp_ansi},
+        {"lone lead byte in the middle", "ab\xC3\x63\x64", cp_ansi},
         {"truncated three-byte sequence at the end", "ab\xE2\x82", cp_ansi},
         {"complete sequence at the end", "abc\xE2\x82\xAC", cp_utf8},
         {"bad last byte after ascii", "a\xFF", cp_utf8},
-        {"bad first byte",
-         "\xFF"
-         "a",
-         cp_ansi},
+        {"bad first byte", "\xFF\x61", cp_ansi},
         {"FF FE alone", "\xFF\xFE", cp_utf16},
         {"FF FE and anything", "\xFF\xFE\xC3\x00\xFF", cp_utf16},
-        {"FE FF is not a mark",
-         "\xFE\xFF\x00"
-         "a",
-         cp_ansi},
+        {"FE FF is not a mark", std::string("\xFE\xFF\0a", 4), cp_ansi},
         {"UTF-8 mark", "\xEF\xBB\xBFtext", cp_utf8},
         {"overlong", "\xC0\x80x", cp_ansi},
         {"surrogate", "x\xED\xA0\x80x", cp_ansi},
-        {"windows-1252",
-         "Gr\xFC\xDF"
-         "e",
-         cp_ansi},
+        {"windows-1252", "Gr\xFC\xDF\x65", cp_ansi},
         {"zero bytes", std::string("a\0b", 3), cp_utf8},
     };
     temp_tree_t dir;
