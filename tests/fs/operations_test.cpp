@@ -106,7 +106,7 @@ TEST(remove_directory_and_file, non_recursive_only_takes_an_empty_directory_file
     EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
 }
 
-TEST(remove_directory, recursive_takes_read_only_files_and_directories_and_hidden_names) {
+TEST(remove_and_rename, recursive_removal_takes_read_only_and_hidden_rename_never_onto_something) {
     temp_tree_t tree;
     for (const char* file : {"d/a.txt", "d/.hidden", "d/sub/deeper/b.txt", "d/sub/ro.txt"}) {
         tree.write(file);
@@ -116,10 +116,8 @@ TEST(remove_directory, recursive_takes_read_only_files_and_directories_and_hidde
     fs::permissions(tree.native("d/ro"), fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_TRUE(velmor2::remove_directory(tree.path("d"), true));
     EXPECT_FALSE(tree.has("d"));
-}
 
-TEST(rename_directory, moves_directories_and_files_but_never_onto_something) {
-    temp_tree_t tree;
+    // rename moves directories and files, but never onto something.
     tree.write("from/x", "content");
     tree.write("file", "f");
     tree.make_dir("taken");

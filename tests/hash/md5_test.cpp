@@ -111,7 +111,7 @@ TEST(md5, reading_the_digest_does_not_finish_the_computation) {
     }
 }
 
-TEST(md5, any_split_gives_the_same_digest) {
+TEST(md5, any_split_and_files_in_any_chunk_size_give_the_same_digest_failures_change_nothing) {
     std::mt19937 rng(99);
     const std::string data = random_bytes(5000, 98);
     const std::wstring expected = md5_of(data);
@@ -124,12 +124,11 @@ TEST(md5, any_split_gives_the_same_digest) {
         }
         ASSERT_EQ(md5.get_digest_base16(), expected);
     }
-}
 
-TEST(md5, files_in_any_chunk_size_and_failures_leave_the_state_alone) {
+    // Files in any chunk size; failures leave the state alone.
     temp_tree_t dir;
-    const std::string data = random_bytes(70000, 5);
-    const path_t file = dir.make_file("f", data);
+    const std::string file_data = random_bytes(70000, 5);
+    const path_t file = dir.make_file("f", file_data);
     for (const std::size_t chunk :
          {std::size_t{1}, std::size_t{63}, std::size_t{64}, std::size_t{65}, std::size_t{4096},
           std::size_t{70000}, std::size_t{1} << 20, ~std::size_t{0}}) {
@@ -137,7 +136,7 @@ TEST(md5, files_in_any_chunk_size_and_failures_leave_the_state_alone) {
         md5_t md5;
         md5.update(std::string("prefix"));
         ASSERT_TRUE(md5.update_from_file(file, chunk));
-        EXPECT_EQ(md5.get_digest_base16(), md5_of("prefix" + data));
+        EXPECT_EQ(md5.get_digest_base16(), md5_of("prefix" + file_data));
     }
 
     md5_t md5;

@@ -276,14 +276,13 @@ class injected_failures : public ::testing::Test {
     os::fs_calls_t saved_ = os::fs_calls();
 };
 
-TEST_F(injected_failures, full_disk_during_copy_is_false_and_leaves_no_partial_file) {
+TEST_F(injected_failures,
+       full_disk_during_copy_is_false_and_leaves_no_partial_file_short_writes_done) {
     tree.write("src", std::string(300000, 'x'));
     calls().write = failing<ssize_t, ENOSPC>;
     EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
     EXPECT_FALSE(tree.has("dst"));
-}
-
-TEST_F(injected_failures, short_writes_are_completed) {
+    // Short writes are completed.
     std::string content;
     for (int i = 0; i < 50000; ++i) {
         content += static_cast<char>('a' + i % 26);

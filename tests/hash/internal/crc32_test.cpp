@@ -56,19 +56,16 @@ struct wide_case_t {
 };
 
 TEST(crc32, wide_strings_hash_their_utf16le_bytes) {
+    std::string cjk;
+    for (int i = 0; i < 300; ++i) {
+        cjk += std::string("\x00\x4E", 2);
+    }
     const wide_case_t cases[] = {
         {L"", ""},
         {L"1", std::string("1\0", 2)},
         {L"hello", std::string("h\0e\0l\0l\0o\0", 10)},
         {L"A\U0001F600\u00E9", std::string("A\0\x3D\xD8\x00\xDE\xE9\x00", 8)},
-        {std::wstring(300, L'\u4E00'),
-         [] {
-             std::string s;
-             for (int i = 0; i < 300; ++i) {
-                 s += std::string("\x00\x4E", 2);
-             }
-             return s;
-         }()},
+        {std::wstring(300, L'\u4E00'), cjk},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.bytes.size());
