@@ -76,7 +76,7 @@ TEST(signal, copy_calls_the_same_connections_and_assignment_appends_the_missing_
     EXPECT_EQ(target.connection_count(), 3u);
 }
 
-TEST(signal, subscriber_destroyed_first_leaves_the_signal_and_the_other_way_round) {
+TEST(signal, destroyed_subscribers_leave_the_signal_nested_emission_skips_the_dead) {
     log_t log;
     int_signal_t signal;
     {
@@ -90,11 +90,8 @@ TEST(signal, subscriber_destroyed_first_leaves_the_signal_and_the_other_way_roun
     EXPECT_EQ(signal.connection_count(), 0u);
     signal(1);
     EXPECT_TRUE(log.empty());
-}
 
-TEST(signal, nested_emission_calls_every_connection_again_and_skips_the_dead) {
-    log_t log;
-    int_signal_t signal;
+    // A nested emission calls every connection again and skips the dead.
     listener_t a("a", log), b("b", log);
     a.then = [&](int value) {
         if (value == 0) {

@@ -110,7 +110,7 @@ TEST(working_dir, set_and_read_back_and_unchanged_by_a_refusal) {
 
 #if !defined(_WIN32)
 
-TEST(user_config_dir, home_dot_config_otherwise) {
+TEST(user_and_shared_config_dir, home_dot_config_otherwise_xdg_config_dirs_else_etc_xdg) {
     temp_tree_t tree;
     for (const char* xdg : {"", "relative/cfg"}) {
         SCOPED_TRACE(xdg);
@@ -119,10 +119,8 @@ TEST(user_config_dir, home_dot_config_otherwise) {
         EXPECT_EQ(native(stdpaths::get_user_config_dir(L"p")),
                   tree.native("home/.config/p").wstring());
     }
-}
 
-TEST(shared_config_dir, first_absolute_entry_of_xdg_config_dirs_else_etc_xdg) {
-    temp_tree_t tree;
+    // The shared folder: the first absolute entry of XDG_CONFIG_DIRS, else /etc/xdg.
     {
         const scoped_env_t dirs("XDG_CONFIG_DIRS", "relative:" + tree.native("first").string() +
                                                        ":" + tree.native("second").string());
@@ -183,7 +181,7 @@ TEST(home, falls_back_to_the_password_database) {
     EXPECT_EQ(dir.get_leaf(), L".config");
 }
 
-TEST(temp_dir, tmpdir_when_absolute_resolved_and_created) {
+TEST(temp_executable_and_module_dir, tmpdir_resolved_and_created_this_program_and_a_library) {
     temp_tree_t tree;
     fs::create_directory_symlink(tree.native(), tree.native("link"));
     struct case_t {
@@ -204,9 +202,8 @@ TEST(temp_dir, tmpdir_when_absolute_resolved_and_created) {
         EXPECT_EQ(native(stdpaths::get_temp_dir()), c.expected);
     }
     EXPECT_TRUE(fs::is_directory(tree.native("new/tmp")));
-}
 
-TEST(executable_and_module_dir, name_this_program_and_a_shared_library) {
+    // The folders of this program and of a shared library.
     const path_t exe = stdpaths::get_executable_dir();
     ASSERT_FALSE(exe.is_empty());
     EXPECT_EQ(native(exe), fs::canonical("/proc/self/exe").parent_path().wstring());

@@ -52,7 +52,7 @@ TEST(file_content, ansi_round_trip_and_fallbacks) {
 #endif
 }
 
-TEST(file_content, empty_and_missing_files) {
+TEST(file_content, empty_and_missing_files_and_text_ends_at_the_first_zero) {
     temp_tree_t dir;
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
@@ -66,10 +66,8 @@ TEST(file_content, empty_and_missing_files) {
         EXPECT_EQ(dir.read("e"), "");
         EXPECT_EQ(get_file_cp(dir.path("e")), cp_ansi);
     }
-}
 
-TEST(file_content, text_ends_at_the_first_zero_character) {
-    temp_tree_t dir;
+    // Text ends at the first zero character.
     EXPECT_EQ(get_file_content(cp_utf8, dir.make_file("a", std::string("ab\0cd", 5))), L"ab");
     EXPECT_EQ(get_file_content(cp_ansi, dir.make_file("b", std::string("ab\0cd", 5))), L"ab");
     EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
@@ -94,7 +92,7 @@ TEST(file_content, writing_fails_cleanly) {
     EXPECT_EQ(dir.read("f"), "new");
 }
 
-TEST(xml_file_content, round_trip_keeps_the_line_feed) {
+TEST(xml_file_content, round_trip_keeps_the_line_feed_writing_refuses_others) {
     temp_tree_t dir;
     const std::wstring text = L"<a b='\u00E9\U0001F600'/>";
     ASSERT_TRUE(set_xml_file_content(text, cp_utf8, dir.path("u8")));
@@ -104,10 +102,8 @@ TEST(xml_file_content, round_trip_keeps_the_line_feed) {
     ASSERT_TRUE(set_xml_file_content(text, cp_utf16, dir.path("u16")));
     EXPECT_EQ(get_file_cp(dir.path("u16")), cp_utf16);
     EXPECT_EQ(get_xml_file_content(dir.path("u16")), L"\n" + text);
-}
 
-TEST(xml_file_content, writing_refuses_declarations_and_other_code_pages) {
-    temp_tree_t dir;
+    // Writing refuses declarations and other code pages.
     dir.write("f", "old");
     EXPECT_FALSE(set_xml_file_content(L"<?pi x?><a/>", cp_utf8, dir.path("f")));
     EXPECT_FALSE(set_xml_file_content(L"<a/>", cp_ansi, dir.path("f")));

@@ -55,7 +55,7 @@ struct wide_case_t {
     std::string bytes;
 };
 
-TEST(crc32, wide_strings_hash_their_utf16le_bytes) {
+TEST(crc32, wide_strings_hash_their_utf16le_bytes_files_in_any_chunk_size_or_zero) {
     std::string cjk;
     for (int i = 0; i < 300; ++i) {
         cjk += std::string("\x00\x4E", 2);
@@ -74,9 +74,8 @@ TEST(crc32, wide_strings_hash_their_utf16le_bytes) {
     EXPECT_EQ(generate_hash(std::wstring()), 0ul);
     EXPECT_EQ(generate_hash(std::wstring(L"1")), 0x8784154Dul);
     EXPECT_EQ(generate_hash(std::wstring(L"hello")), 0x551272DFul);
-}
 
-TEST(crc32, files_in_any_chunk_size_and_unreadable_or_empty_ones_hash_to_zero) {
+    // Files in any chunk size; unreadable or empty ones hash to zero.
     temp_tree_t dir;
     std::string data(100000, '\0');
     std::mt19937 rng(8);

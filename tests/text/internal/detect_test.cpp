@@ -90,7 +90,7 @@ struct detect_case_t {
     code_page_t expected;
 };
 
-TEST(get_file_cp, boundary_cases_and_unopenable_files) {
+TEST(get_file_cp, boundary_cases_unopenable_files_and_the_engines_agree) {
     const detect_case_t cases[] = {
         {"empty", "", cp_ansi},
         {"one byte E9", "\xE9", cp_utf8},
@@ -120,9 +120,8 @@ TEST(get_file_cp, boundary_cases_and_unopenable_files) {
     EXPECT_EQ(get_file_cp(dir.path("missing.txt")), cp_unknown);
     EXPECT_EQ(get_file_cp(dir.path("")), cp_unknown);
     EXPECT_EQ(get_file_cp(path_t()), cp_unknown);
-}
 
-TEST(utf8_check, engines_agree_with_the_sequence_scan) {
+    // The UTF-8 engines agree with the sequence scan.
     std::mt19937 rng(12345);
     for (int i = 0; i < 20000; ++i) {
         const std::string text = random_text(rng, rng() % 300);
