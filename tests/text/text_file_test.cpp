@@ -33,7 +33,7 @@ TEST(file_content, utf8_and_utf16_round_trip_utf16_keeps_the_mark_and_pairs) {
     EXPECT_EQ(get_file_content(cp_utf16, dir.path("g")), L"\uFEFF" + sample);
 }
 
-TEST(file_content, ansi_round_trip_and_fallbacks) {
+TEST(file_content, ansi_round_trip_and_fallbacks_empty_files_and_the_first_zero) {
     temp_tree_t dir;
     const std::wstring text = L"Gr\u00FC\u00DFe \u20AC";
     for (const code_page_t cp : {cp_ansi, cp_unknown, static_cast<code_page_t>(42)}) {
@@ -50,10 +50,8 @@ TEST(file_content, ansi_round_trip_and_fallbacks) {
 #else
     EXPECT_EQ(dir.read("f"), "?");
 #endif
-}
 
-TEST(file_content, empty_and_missing_files_and_text_ends_at_the_first_zero) {
-    temp_tree_t dir;
+    // Empty and missing files; text ends at the first zero character.
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
         EXPECT_EQ(get_file_content(cp, dir.make_file("empty", "")), L"");
@@ -81,7 +79,7 @@ TEST(file_content, empty_and_missing_files_and_text_ends_at_the_first_zero) {
               L"\uFEFFA");
 }
 
-TEST(file_content, writing_fails_cleanly) {
+TEST(file_content, writing_fails_cleanly_xml_round_trips_and_refuses_others) {
     temp_tree_t dir;
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, dir.path("no/such/dir/f")));
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, path_t()));
@@ -90,10 +88,9 @@ TEST(file_content, writing_fails_cleanly) {
     ASSERT_TRUE(set_file_content(L"long old content", cp_utf8, dir.path("f")));
     ASSERT_TRUE(set_file_content(L"new", cp_utf8, dir.path("f")));
     EXPECT_EQ(dir.read("f"), "new");
-}
 
-TEST(xml_file_content, round_trip_keeps_the_line_feed_writing_refuses_others) {
-    temp_tree_t dir;
+    // XML text round-trips keeping the line feed, and its writing refuses declarations and other
+    // code pages.
     const std::wstring text = L"<a b='\u00E9\U0001F600'/>";
     ASSERT_TRUE(set_xml_file_content(text, cp_utf8, dir.path("u8")));
     EXPECT_EQ(dir.read("u8"),

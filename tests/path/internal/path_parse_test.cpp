@@ -60,7 +60,7 @@ TEST(path_parse, prints_each_form_back) {
     }
 }
 
-TEST(path_parse, rejects_text_that_is_not_a_path_completely) {
+TEST(path_parse, rejects_what_is_not_a_path_and_follows_the_grammar_over_the_prose) {
     for (const wchar_t* text : {L"", L"a|b", L"a<b", L"a>b", L"C:\\a:b", L"a\"b", L"ab:c", L"\"\"",
                                 L"   ", L"\\\\?\\", L"|", L"C:\\x\\\"y"}) {
         SCOPED_TRACE(testing::Message() << "[" << text << "]");
@@ -72,10 +72,8 @@ TEST(path_parse, rejects_text_that_is_not_a_path_completely) {
         EXPECT_EQ(path, path_t());
     }
     EXPECT_TRUE(path_t(static_cast<const wchar_t*>(nullptr)).is_empty());
-}
 
-// Where the written rules of the grammar and the prose about them part ways, the rules decide.
-TEST(path_parse, follows_the_grammar_where_the_prose_says_otherwise) {
+    // Where the written rules of the grammar and the prose about them part ways, the rules decide.
     // The `C:x` shape: a single letter and a colon are a drive, whatever letter it is, so
     // `a:b` is the component `b` on drive `a` rather than a rejected colon.
     const model_t drive = parse(L"a:b");
