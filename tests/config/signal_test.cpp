@@ -16,9 +16,8 @@ using velmor2::_internal::subscriber_base_t;
 using int_signal_t = signal_t<int>;
 using log_t = std::vector<std::string>;
 
-// Writes "name:argument" to a shared log, then runs `then` (which may emit,
-// connect or destroy the signal); `destroy_self` deletes the listener from
-// inside its callback.
+// Writes "name:argument" to a shared log, then runs `then` (which may emit, connect or destroy
+// the signal); `destroy_self` deletes the listener from inside its callback.
 struct listener_t : subscriber_base_t {
     listener_t(std::string name, log_t& log) : name(std::move(name)), log(log) {}
 
@@ -39,8 +38,7 @@ struct listener_t : subscriber_base_t {
     std::function<void(int)> then;
 };
 
-TEST(signal,
-     same_member_of_same_object_connects_once_and_a_connection_made_while_emitting_is_reached) {
+TEST(signal, same_member_connects_once_and_a_connection_made_while_emitting_is_reached) {
     log_t log;
     listener_t a("a", log), late("late", log);
     int_signal_t signal;
@@ -143,8 +141,7 @@ TEST(signal, signal_destroyed_in_a_callback_ends_the_emission_nested_or_not) {
     signal->connect(&last, &listener_t::on_event);
     (*signal)(0);
     EXPECT_EQ(signal, nullptr);
-    // outer:0 emits 1 inside, whose last call ends it all: nothing more of the
-    // outer emission.
+    // outer:0 emits 1 inside, whose last call ends it all: nothing more of the outer emission.
     EXPECT_EQ(log, (log_t{"outer:0", "outer:1", "middle/other:1", "last:1"}));
 }
 
@@ -169,8 +166,7 @@ TEST(signal, a_throwing_callback_leaves_the_signal_whole) {
     signal->connect(dying, &listener_t::destroy_self);
     signal->connect(&b, &listener_t::on_event);
     signal->connect(&c, &listener_t::on_event);
-    // Thrown directly, and from a nested emission; the dead entry goes either
-    // way.
+    // Thrown directly, and from a nested emission; the dead entry goes either way.
     EXPECT_THROW((*signal)(1), int);
     EXPECT_THROW((*signal)(2), int);
     EXPECT_EQ(signal->connection_count(), 3u);
@@ -180,8 +176,7 @@ TEST(signal, a_throwing_callback_leaves_the_signal_whole) {
     log.clear();
     (*signal)(4);
     EXPECT_EQ(log, (log_t{"a:4", "b:4", "c:4", "d:4"}));
-    // A callback destroys the signal, then throws: the lock is freed all the
-    // same.
+    // A callback destroys the signal, then throws: the lock is freed all the same.
     EXPECT_THROW((*signal)(3), int);
     EXPECT_EQ(signal, nullptr);
 }

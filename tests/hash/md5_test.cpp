@@ -46,8 +46,7 @@ TEST(md5, rfc1321_test_suite_and_padding_boundaries) {
          "0",
          L"57edf4a22be3c955ac49da2e2107b67a"},
         {std::string(1000000, 'a'), L"7707d6ae4e027c70eea2a935c2296f21"},
-        // Around the 56-byte point where the length no longer fits the last
-        // block.
+        // Around the 56-byte point where the length no longer fits the last block.
         {std::string(55, 'a'), L"ef1772b6dff9a122358552954ad0df65"},
         {std::string(56, 'a'), L"3b0c8ac703f828b04c6c197006d17218"},
         {std::string(63, 'a'), L"b06521f39153d618550606be297466d5"},
@@ -71,8 +70,8 @@ TEST(md5, wide_strings_hash_their_utf16le_bytes_reading_the_digest_finishes_noth
     pair.update(std::wstring(L"A\U0001F600\u00E9"));
     EXPECT_EQ(pair.get_digest_base16(), L"6dd35b7b922ede9b853ba2835bd248e0");
 
-    // What a UTF-16 string can hold and a UTF-32 one spells differently: a lone
-    // surrogate stays itself; a value no UTF-16 string can hold is U+FFFD.
+    // What a UTF-16 string can hold and a UTF-32 one spells differently: a lone surrogate
+    // stays itself; a value no UTF-16 string can hold is U+FFFD.
     if (sizeof(wchar_t) == 4) {
         md5_t odd;
         odd.update(std::wstring{static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000)});

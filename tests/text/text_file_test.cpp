@@ -51,7 +51,7 @@ TEST(file_content, ansi_round_trip_and_fallbacks_empty_files_and_the_first_zero)
     EXPECT_EQ(dir.read("f"), "?");
 #endif
 
-    // Empty and missing files; text ends at the first zero character.
+    // Empty and missing files.
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
         EXPECT_EQ(get_file_content(cp, dir.make_file("empty", "")), L"");
@@ -89,8 +89,7 @@ TEST(file_content, writing_fails_cleanly_xml_round_trips_and_refuses_others) {
     ASSERT_TRUE(set_file_content(L"new", cp_utf8, dir.path("f")));
     EXPECT_EQ(dir.read("f"), "new");
 
-    // XML text round-trips keeping the line feed, and its writing refuses declarations and other
-    // code pages.
+    // XML text round-trips keeping the line feed.
     const std::wstring text = L"<a b='\u00E9\U0001F600'/>";
     ASSERT_TRUE(set_xml_file_content(text, cp_utf8, dir.path("u8")));
     EXPECT_EQ(dir.read("u8"),
