@@ -43,18 +43,8 @@ class config_manager_test : public ::testing::Test {
     config_manager_t manager{tree.native("defaults").wstring(), fs::u8path(product).wstring()};
 };
 
-TEST_F(config_manager_test, user_file_lies_under_company_and_product_folders) {
-    EXPECT_EQ(manager.user_config(L"x").as_native_string(), user("Norvane", "x.xml"));
-    for (const char* company : {"Acme", "", "Norvane"}) {
-        SCOPED_TRACE(company);
-        manager.set_company_name(fs::u8path(company).wstring());
-        EXPECT_EQ(manager.user_config(L"x").as_native_string(), user(company, "x.xml"));
-        EXPECT_TRUE(fs::is_directory(user(company)));
-        EXPECT_FALSE(fs::exists(user(company, "x.xml")));
-    }
-}
-
-TEST_F(config_manager_test, override_replaces_company_and_product_until_cleared) {
+TEST_F(config_manager_test, user_file_under_company_and_product_or_override_default_never_made) {
+    // An override replaces company and product until cleared.
     manager.override_user_config_folder(tree.path("mine/configs"));
     EXPECT_EQ(manager.user_config(L"x").as_native_string(), native("mine/configs/x.xml"));
     EXPECT_TRUE(fs::is_directory(tree.native("mine/configs")));
@@ -63,12 +53,18 @@ TEST_F(config_manager_test, override_replaces_company_and_product_until_cleared)
     tree.write("blocker");
     manager.override_user_config_folder(tree.path("blocker/sub"));
     EXPECT_EQ(manager.user_config(L"x").as_native_string(), native("blocker/sub/x.xml"));
-
     manager.override_user_config_folder(path_t());
-    EXPECT_EQ(manager.user_config(L"x").as_native_string(), user("Norvane", "x.xml"));
-}
 
-TEST_F(config_manager_test, default_file_is_computed_never_created) {
+    EXPECT_EQ(manager.user_config(L"x").as_native_string(), user("Norvane", "x.xml"));
+    for (const char* company : {"Acme", "", "Norvane"}) {
+        SCOPED_TRACE(company);
+        manager.set_company_name(fs::u8path(company).wstring());
+        EXPECT_EQ(manager.user_config(L"x").as_native_string(), user(company, "x.xml"));
+        EXPECT_TRUE(fs::is_directory(user(company)));
+        EXPECT_FALSE(fs::exists(user(company, "x.xml")));
+    }
+
+    // The default file is computed, never created.
     EXPECT_EQ(manager.default_config(L"x").as_native_string(), native("defaults/x.xml"));
     EXPECT_EQ(manager.default_config(L"sub\\x").as_native_string(), native("defaults/sub/x.xml"));
     EXPECT_FALSE(tree.has("defaults"));

@@ -172,44 +172,27 @@ TEST(config_store, keys_ignore_case_and_every_set_notifies_copies_too) {
 }
 
 TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
-    struct case_t {
-        const char* element;
-        bool empty;
-    };
-    const case_t cases[] = {
-        {"<x type=\"int\">abc</x>", true},
-        {"<x type=\"int\">12abc</x>", true},
-        {"<x type=\"int\"> 1</x>", true},
-        {"<x type=\"int\">1 </x>", true},
-        {"<x type=\"int\"></x>", true},
-        {"<x type=\"int\">99999999999</x>", true},
-        {"<x type=\"int\">+5</x>", false},
-        {"<x type=\"int\">1,000</x>", true},
-        {"<x type=\"bool\">true</x>", true},
-        {"<x type=\"bool\"> 1</x>", true},
-        {"<x type=\"bool\">2</x>", true},
-        {"<x type=\"bool\">1</x>", false},
-        {"<x type=\"unsigned int\">-1</x>", true},
-        {"<x type=\"unsigned short\">65536</x>", true},
-        {"<x type=\"double\">0,5</x>", true},
-        {"<x type=\"double\">1e400</x>", true},
-        {"<x type=\"double\">0x10</x>", true},
-        {"<x type=\"float\">1.5</x>", false},
-        {"<x type=\"long\">\xD9\xA1</x>", true},
-        {"<x type=\"string\"></x>", false},
-    };
     temp_tree_t dir;
-    for (const case_t& c : cases) {
-        SCOPED_TRACE(c.element);
-        dir.write("f.xml", std::string("<root>") + c.element + "</root>");
+    // `value` is TYPE">TEXT, the type and the text of a value element.
+    const auto loads_empty = [&](const char* value) {
+        dir.write("f.xml", std::string("<root><x type=\"") + value + "</x></root>");
         store_t store;
-        ASSERT_TRUE(store.load(dir.path("f.xml")));
-        EXPECT_TRUE(store.has_value(L"x"));
-        EXPECT_EQ(store.get_value(L"x", 7).empty(), c.empty);
+        EXPECT_TRUE(store.load(dir.path("f.xml")) && store.has_value(L"x")) << value;
+        return store.get_value(L"x", 7).empty();
+    };
+    for (const char* value :
+         {"int\">abc", "int\">12abc", "int\"> 1", "int\">1 ", "int\">", "int\">99999999999",
+          "int\">1,000", "bool\">true", "bool\"> 1", "bool\">2", "unsigned int\">-1",
+          "unsigned short\">65536", "double\">0,5", "double\">1e400", "double\">0x10",
+          "long\">\xD9\xA1"}) {
+        EXPECT_TRUE(loads_empty(value)) << value;
+    }
+    for (const char* value : {"int\">+5", "bool\">1", "float\">1.5", "string\">"}) {
+        EXPECT_FALSE(loads_empty(value)) << value;
     }
 }
 
-TEST(config_store, hand_written_containers_unknown_types_duplicates_and_roots) {
+TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_failed_loads) {
     temp_tree_t dir;
     dir.write("f.xml", "<?xml version=\"1.0\"?>\n<Settings>\n"
                        "  <!-- a comment -->\n"
@@ -244,12 +227,9 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_and_roots) {
     EXPECT_EQ(boost::any_cast<int>(duplicate.previous), 1);
     EXPECT_EQ(boost::any_cast<int>(duplicate.value), 2);
     EXPECT_TRUE(watcher.changes[0].previous.empty());
-}
 
-TEST(config_store, failed_load_keeps_the_values) {
-    temp_tree_t dir;
+    // A failed load keeps the values.
     dir.write("bad.xml", "<root><x type=\"int\">1</x>");
-    advanced_xml_config_t store;
     store.set_value(L"kept", 1);
     EXPECT_FALSE(store.load(dir.path("bad.xml")));
     EXPECT_FALSE(store.load(dir.path("missing.xml")));

@@ -61,6 +61,9 @@ TEST_F(find_files_test, search_is_depth_first_in_directory_order) {
         EXPECT_EQ(native_texts(velmor2::find_files(tree.path("root"), L"*.xml", recursive)),
                   expected);
     }
+    // A missing directory or a file gives nothing.
+    EXPECT_TRUE(velmor2::find_files(tree.path("missing"), L"*", true).empty());
+    EXPECT_TRUE(velmor2::find_files(tree.path("root/a.xml"), L"*", true).empty());
 }
 
 TEST_F(find_files_test, pattern_forms) {
@@ -88,13 +91,6 @@ TEST_F(find_files_test, pattern_forms) {
     }
 }
 
-TEST(find_files, missing_directory_or_a_file_gives_nothing) {
-    temp_tree_t tree;
-    tree.write("file.xml");
-    EXPECT_TRUE(velmor2::find_files(tree.path("missing"), L"*", true).empty());
-    EXPECT_TRUE(velmor2::find_files(tree.path("file.xml"), L"*", true).empty());
-}
-
 TEST(find_files, the_long_path_prefix_never_decides_a_match) {
     temp_tree_t tree;
     // Entry paths on both sides of the length at which a drive path is printed with the prefix.
@@ -114,6 +110,8 @@ TEST(find_files, the_long_path_prefix_never_decides_a_match) {
         path_t pattern(file.get_branch());
         pattern.append(path_t(L"*.txt"));
         EXPECT_TRUE(velmor2::match_pattern(pattern, file)) << file.as_string().size();
+        // The pattern comes first.
+        EXPECT_FALSE(velmor2::match_pattern(file, pattern)) << file.as_string().size();
     }
 }
 

@@ -82,7 +82,7 @@ TEST(create_directory, makes_every_missing_level_and_accepts_what_exists) {
 #endif
 }
 
-TEST(remove_directory, non_recursive_only_takes_an_empty_directory) {
+TEST(remove_directory_and_file, non_recursive_only_takes_an_empty_directory_files_only_files) {
     temp_tree_t tree;
     tree.make_dir("empty");
     tree.write("full/x");
@@ -93,9 +93,20 @@ TEST(remove_directory, non_recursive_only_takes_an_empty_directory) {
     EXPECT_FALSE(velmor2::remove_directory(tree.path("missing"), true));
     EXPECT_FALSE(velmor2::remove_directory(tree.path("full/x"), true));
     EXPECT_TRUE(tree.has("full/x"));
+    // remove_file deletes plain files only.
+    tree.write("plain");
+    tree.write("ro");
+    fs::permissions(tree.native("ro"), fs::perms::owner_read);
+    EXPECT_TRUE(velmor2::remove_file(tree.path("plain")));
+    EXPECT_FALSE(tree.has("plain"));
+    // Read-only means no write bit, for root too: the refusal is the library's, not the kernel's.
+    EXPECT_FALSE(velmor2::remove_file(tree.path("ro")));
+    EXPECT_TRUE(tree.has("ro"));
+    EXPECT_FALSE(velmor2::remove_file(tree.path("full")));
+    EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
 }
 
-TEST(remove_directory, recursive_takes_read_only_files_and_directories_and_hidden_names) {
+TEST(remove_and_rename, recursive_removal_takes_read_only_and_hidden_rename_never_onto_something) {
     temp_tree_t tree;
     for (const char* file : {"d/a.txt", "d/.hidden", "d/sub/deeper/b.txt", "d/sub/ro.txt"}) {
         tree.write(file);
@@ -105,10 +116,8 @@ TEST(remove_directory, recursive_takes_read_only_files_and_directories_and_hidde
     fs::permissions(tree.native("d/ro"), fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_TRUE(velmor2::remove_directory(tree.path("d"), true));
     EXPECT_FALSE(tree.has("d"));
-}
 
-TEST(rename_directory, moves_directories_and_files_but_never_onto_something) {
-    temp_tree_t tree;
+    // rename moves directories and files, but never onto something.
     tree.write("from/x", "content");
     tree.write("file", "f");
     tree.make_dir("taken");
@@ -123,7 +132,7 @@ TEST(rename_directory, moves_directories_and_files_but_never_onto_something) {
     EXPECT_EQ(tree.read("file2"), "f");
 }
 
-TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites) {
+TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites_and_refusals) {
     temp_tree_t tree;
     tree.write("src", std::string("a\0b\r\n", 5));
     tree.write("existing", "keep");
@@ -137,11 +146,7 @@ TEST(copy_file, copies_content_and_permission_bits_and_never_overwrites) {
 
     EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("existing")));
     EXPECT_EQ(tree.read("existing"), "keep");
-}
 
-TEST(copy_file, refusals) {
-    temp_tree_t tree;
-    tree.write("src");
     tree.make_dir("dir");
     struct case_t {
         const char* name;
@@ -161,22 +166,7 @@ TEST(copy_file, refusals) {
     EXPECT_FALSE(tree.has("b") || tree.has("c") || tree.has("no"));
 }
 
-TEST(remove_file, deletes_plain_files_only) {
-    temp_tree_t tree;
-    tree.write("plain");
-    tree.write("ro");
-    tree.make_dir("dir");
-    fs::permissions(tree.native("ro"), fs::perms::owner_read);
-    EXPECT_TRUE(velmor2::remove_file(tree.path("plain")));
-    EXPECT_FALSE(tree.has("plain"));
-    // Read-only means no write bit, for root too: the refusal is the library's, not the kernel's.
-    EXPECT_FALSE(velmor2::remove_file(tree.path("ro")));
-    EXPECT_TRUE(tree.has("ro"));
-    EXPECT_FALSE(velmor2::remove_file(tree.path("dir")));
-    EXPECT_FALSE(velmor2::remove_file(tree.path("missing")));
-}
-
-TEST(copy_directory, copies_the_tree_with_any_unicode_name_and_leaves_dot_names_out) {
+TEST(copy_directory, any_unicode_name_no_dot_names_never_into_itself_look_alikes_are_fine) {
     temp_tree_t tree;
     // Accented, CJK and beyond the Basic Multilingual Plane (a surrogate pair in UTF-16).
     const std::string names[] = {"a.txt", "sub/deeper/c.txt",
@@ -205,10 +195,8 @@ TEST(copy_directory, copies_the_tree_with_any_unicode_name_and_leaves_dot_names_
     EXPECT_EQ(tree.read("to/copy/a.txt"), "old");
     EXPECT_TRUE(velmor2::remove_directory(tree.path("from"), true));
     EXPECT_FALSE(tree.has("from"));
-}
 
-TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_not) {
-    temp_tree_t tree;
+    // Into itself is refused however written; look-alikes are not.
     tree.write("s/sub/a.txt", "a");
     tree.write("file");
     const working_dir_guard_t guard;
@@ -240,11 +228,6 @@ TEST(copy_directory, into_itself_is_refused_however_written_and_look_alikes_are_
     EXPECT_EQ(tree.read("s/sub2/a.txt"), "a");
     EXPECT_FALSE(tree.has("new") || tree.has("s/backup") || tree.has("s/sub/x") ||
                  tree.has("s/copy"));
-}
-
-TEST(match_pattern, pattern_comes_first) {
-    EXPECT_TRUE(velmor2::match_pattern(path_t(L"C:\\x\\*.txt"), path_t(L"C:\\x\\a.txt")));
-    EXPECT_FALSE(velmor2::match_pattern(path_t(L"C:\\x\\a.txt"), path_t(L"C:\\x\\*.txt")));
 }
 
 } // namespace

@@ -35,7 +35,7 @@ std::wstring wide(const std::string& utf8) {
     return fs::u8path(utf8).wstring();
 }
 
-TEST(user_config_dir, creates_every_level_of_the_name_and_finds_it_again) {
+TEST(user_config_dir, creates_every_level_of_the_name_and_finds_it_again_and_refuses_others) {
     temp_tree_t tree;
     user_config_root_t config(tree);
     const std::string company = user_config_root_t::unique_name();
@@ -48,23 +48,14 @@ TEST(user_config_dir, creates_every_level_of_the_name_and_finds_it_again) {
     EXPECT_TRUE(fs::is_directory(config.native(company + "/Editor")));
     // Asking again finds it there, whichever separator the name uses.
     EXPECT_EQ(stdpaths::get_user_config_dir(wide(company) + L"/Editor"), joined);
-}
 
-TEST(user_config_dir, names_that_are_not_relative_paths_fail) {
-    temp_tree_t tree;
-    const user_config_root_t config(tree);
+    // Names that are not relative paths fail, and so does a folder blocked by a file.
     for (const wchar_t* name : {L"a|b", L"/etc/x", L"C:\\x", L"\\\\server\\share\\x"}) {
         SCOPED_TRACE(std::string(name, name + wcslen(name)));
         EXPECT_TRUE(stdpaths::get_user_config_dir(name).is_empty());
     }
-}
-
-TEST(user_config_dir, folder_blocked_by_a_file_gives_the_empty_path) {
-    temp_tree_t tree;
-    user_config_root_t config(tree);
     const std::string blocker = user_config_root_t::unique_name();
     config.remove_afterwards(blocker);
-    ASSERT_FALSE(stdpaths::get_user_config_dir(L"").is_empty());
     std::ofstream(config.native(blocker)) << "x";
     ASSERT_TRUE(fs::is_regular_file(config.native(blocker)));
     EXPECT_TRUE(stdpaths::get_user_config_dir(wide(blocker) + L"\\x").is_empty());
@@ -102,11 +93,8 @@ TEST(working_dir, set_and_read_back_and_unchanged_by_a_refusal) {
         EXPECT_FALSE(stdpaths::set_working_dir(refused));
     }
     EXPECT_TRUE(fs::equivalent(fs::current_path(), tree.native("a dir/sub")));
-}
 
-TEST(working_dir, set_and_read_back_beyond_260_characters) {
-    temp_tree_t tree;
-    const working_dir_guard_t guard;
+    // Beyond 260 characters.
     std::string deep = "d";
     while (tree.native(deep).wstring().size() < 400) {
         deep += "/directory";
@@ -122,7 +110,7 @@ TEST(working_dir, set_and_read_back_beyond_260_characters) {
 
 #if !defined(_WIN32)
 
-TEST(user_config_dir, home_dot_config_otherwise) {
+TEST(user_and_shared_config_dir, home_dot_config_otherwise_xdg_config_dirs_else_etc_xdg) {
     temp_tree_t tree;
     for (const char* xdg : {"", "relative/cfg"}) {
         SCOPED_TRACE(xdg);
@@ -131,10 +119,8 @@ TEST(user_config_dir, home_dot_config_otherwise) {
         EXPECT_EQ(native(stdpaths::get_user_config_dir(L"p")),
                   tree.native("home/.config/p").wstring());
     }
-}
 
-TEST(shared_config_dir, first_absolute_entry_of_xdg_config_dirs_else_etc_xdg) {
-    temp_tree_t tree;
+    // The shared folder: the first absolute entry of XDG_CONFIG_DIRS, else /etc/xdg.
     {
         const scoped_env_t dirs("XDG_CONFIG_DIRS", "relative:" + tree.native("first").string() +
                                                        ":" + tree.native("second").string());
@@ -195,7 +181,7 @@ TEST(home, falls_back_to_the_password_database) {
     EXPECT_EQ(dir.get_leaf(), L".config");
 }
 
-TEST(temp_dir, tmpdir_when_absolute_resolved_and_created) {
+TEST(temp_executable_and_module_dir, tmpdir_resolved_and_created_this_program_and_a_library) {
     temp_tree_t tree;
     fs::create_directory_symlink(tree.native(), tree.native("link"));
     struct case_t {
@@ -216,9 +202,8 @@ TEST(temp_dir, tmpdir_when_absolute_resolved_and_created) {
         EXPECT_EQ(native(stdpaths::get_temp_dir()), c.expected);
     }
     EXPECT_TRUE(fs::is_directory(tree.native("new/tmp")));
-}
 
-TEST(executable_and_module_dir, name_this_program_and_a_shared_library) {
+    // The folders of this program and of a shared library.
     const path_t exe = stdpaths::get_executable_dir();
     ASSERT_FALSE(exe.is_empty());
     EXPECT_EQ(native(exe), fs::canonical("/proc/self/exe").parent_path().wstring());

@@ -75,7 +75,7 @@ TEST(shared_lib, failures_leave_an_object_that_tests_false) {
     EXPECT_FALSE(copy);
 }
 
-TEST(shared_lib, copies_hold_their_own_reference) {
+TEST(shared_lib, copies_hold_their_own_reference_assignment_and_release) {
     auto* original = new shared_lib_t(plugin_base, plugin_dir);
     ASSERT_TRUE(*original);
     const int first = call(*original, L"velmor_plugin_count_calls");
@@ -85,9 +85,8 @@ TEST(shared_lib, copies_hold_their_own_reference) {
     // Still loaded, with the same state: the module was never unloaded in between.
     EXPECT_EQ(call(copy, L"velmor_plugin_count_calls"), first + 1);
     EXPECT_EQ(call(copy, L"velmor_plugin_answer"), 42);
-}
 
-TEST(shared_lib, assignment_and_release) {
+    // Assignment and release.
     shared_lib_t target(plugin_base, plugin_dir);
     ASSERT_TRUE(target);
     target = shared_lib_t();

@@ -16,20 +16,16 @@ const std::wstring sample = L"line 1\r\nGr\u00FC\u00DFe \u20AC \U0001F600 end";
 const std::string sample_utf8 = "line 1\r\nGr\xC3\xBC\xC3\x9F"
                                 "e \xE2\x82\xAC \xF0\x9F\x98\x80 end";
 
-TEST(file_content, utf8_round_trip) {
+TEST(file_content, utf8_and_utf16_round_trip_utf16_keeps_the_mark_and_pairs) {
     temp_tree_t dir;
     ASSERT_TRUE(set_file_content(sample, cp_utf8, dir.path("f")));
     EXPECT_EQ(dir.read("f"), sample_utf8);
     EXPECT_EQ(get_file_cp(dir.path("f")), cp_utf8);
     EXPECT_EQ(get_file_content(cp_utf8, dir.path("f")), sample);
-}
 
-TEST(file_content, utf16_round_trip_keeps_the_mark_and_pairs) {
-    temp_tree_t dir;
+    // UTF-16 keeps the mark and pairs.
     ASSERT_TRUE(set_file_content(L"A\U0001F600", cp_utf16, dir.path("f")));
-    EXPECT_EQ(dir.read("f"), std::string("\xFF\xFE"
-                                         "A\0\x3D\xD8\x00\xDE",
-                                         8));
+    EXPECT_EQ(dir.read("f"), std::string("\xFF\xFE\x41\0\x3D\xD8\x00\xDE", 8));
     EXPECT_EQ(get_file_cp(dir.path("f")), cp_utf16);
     EXPECT_EQ(get_file_content(cp_utf16, dir.path("f")), L"\uFEFFA\U0001F600");
 
@@ -37,14 +33,13 @@ TEST(file_content, utf16_round_trip_keeps_the_mark_and_pairs) {
     EXPECT_EQ(get_file_content(cp_utf16, dir.path("g")), L"\uFEFF" + sample);
 }
 
-TEST(file_content, ansi_round_trip_and_fallbacks) {
+TEST(file_content, ansi_round_trip_and_fallbacks_empty_files_and_the_first_zero) {
     temp_tree_t dir;
     const std::wstring text = L"Gr\u00FC\u00DFe \u20AC";
     for (const code_page_t cp : {cp_ansi, cp_unknown, static_cast<code_page_t>(42)}) {
         SCOPED_TRACE(cp);
         ASSERT_TRUE(set_file_content(text, cp, dir.path("f")));
-        EXPECT_EQ(dir.read("f"), "Gr\xFC\xDF"
-                                 "e \x80");
+        EXPECT_EQ(dir.read("f"), "Gr\xFC\xDF\x65 \x80");
         EXPECT_EQ(get_file_cp(dir.path("f")), cp_ansi);
         EXPECT_EQ(get_file_content(cp, dir.path("f")), text);
     }
@@ -55,10 +50,8 @@ TEST(file_content, ansi_round_trip_and_fallbacks) {
 #else
     EXPECT_EQ(dir.read("f"), "?");
 #endif
-}
 
-TEST(file_content, empty_and_missing_files) {
-    temp_tree_t dir;
+    // Empty and missing files.
     for (const code_page_t cp : {cp_unknown, cp_utf8, cp_utf16, cp_ansi}) {
         SCOPED_TRACE(cp);
         EXPECT_EQ(get_file_content(cp, dir.make_file("empty", "")), L"");
@@ -71,32 +64,22 @@ TEST(file_content, empty_and_missing_files) {
         EXPECT_EQ(dir.read("e"), "");
         EXPECT_EQ(get_file_cp(dir.path("e")), cp_ansi);
     }
-}
 
-TEST(file_content, text_ends_at_the_first_zero_character) {
-    temp_tree_t dir;
+    // Text ends at the first zero character.
     EXPECT_EQ(get_file_content(cp_utf8, dir.make_file("a", std::string("ab\0cd", 5))), L"ab");
     EXPECT_EQ(get_file_content(cp_ansi, dir.make_file("b", std::string("ab\0cd", 5))), L"ab");
     EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("c", std::string("\xFF\xFEx\0\0\0y\0", 8))),
               L"\uFEFFx");
-    // A zero byte inside a unit does not end UTF-16 text.
+    // A zero byte inside a unit does not end UTF-16 text; an odd length ends with a half unit.
     EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("d", std::string("\xFF\xFE\0\x4E", 4))),
               L"\uFEFF\u4E00");
-}
-
-TEST(file_content, odd_length_utf16_file_ends_with_a_half_unit) {
-    temp_tree_t dir;
-    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE"
-                                                                        "A\0B",
-                                                                        5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("f", std::string("\xFF\xFE\x41\0B", 5))),
               L"\uFEFFAB");
-    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE"
-                                                                        "A\0\0",
-                                                                        5))),
+    EXPECT_EQ(get_file_content(cp_utf16, dir.make_file("g", std::string("\xFF\xFE\x41\0\0", 5))),
               L"\uFEFFA");
 }
 
-TEST(file_content, writing_fails_cleanly) {
+TEST(file_content, writing_fails_cleanly_xml_round_trips_and_refuses_others) {
     temp_tree_t dir;
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, dir.path("no/such/dir/f")));
     EXPECT_FALSE(set_file_content(L"x", cp_utf8, path_t()));
@@ -105,10 +88,8 @@ TEST(file_content, writing_fails_cleanly) {
     ASSERT_TRUE(set_file_content(L"long old content", cp_utf8, dir.path("f")));
     ASSERT_TRUE(set_file_content(L"new", cp_utf8, dir.path("f")));
     EXPECT_EQ(dir.read("f"), "new");
-}
 
-TEST(xml_file_content, round_trip_keeps_the_line_feed) {
-    temp_tree_t dir;
+    // XML text round-trips keeping the line feed.
     const std::wstring text = L"<a b='\u00E9\U0001F600'/>";
     ASSERT_TRUE(set_xml_file_content(text, cp_utf8, dir.path("u8")));
     EXPECT_EQ(dir.read("u8"),
@@ -117,10 +98,8 @@ TEST(xml_file_content, round_trip_keeps_the_line_feed) {
     ASSERT_TRUE(set_xml_file_content(text, cp_utf16, dir.path("u16")));
     EXPECT_EQ(get_file_cp(dir.path("u16")), cp_utf16);
     EXPECT_EQ(get_xml_file_content(dir.path("u16")), L"\n" + text);
-}
 
-TEST(xml_file_content, writing_refuses_declarations_and_other_code_pages) {
-    temp_tree_t dir;
+    // Writing refuses declarations and other code pages.
     dir.write("f", "old");
     EXPECT_FALSE(set_xml_file_content(L"<?pi x?><a/>", cp_utf8, dir.path("f")));
     EXPECT_FALSE(set_xml_file_content(L"<a/>", cp_ansi, dir.path("f")));
@@ -145,16 +124,8 @@ TEST(xml_file_content, declaration_rules) {
         {"processing instruction without declaration", "<a/><?pi UTF-8?>rest", L"rest"},
         {"ANSI file with a declaration", "<?xml encoding='windows-1252'?><a>\xE9</a>", L""},
         {"ANSI file without declaration", "<a>\xE9</a>", L"<a>\u00E9</a>"},
-        {"UTF-16 file",
-         std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0"
-                     "1\0"
-                     "6\0?\0>\0x\0",
-                     24),
-         L"x"},
-        {"UTF-16 file naming UTF-8",
-         std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0"
-                     "8\0?\0>\0x\0",
-                     22),
+        {"UTF-16 file", std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0\x31\0\x36\0?\0>\0x\0", 24), L"x"},
+        {"UTF-16 file naming UTF-8", std::string("\xFF\xFE<\0?\0U\0T\0F\0-\0\x38\0?\0>\0x\0", 22),
          L""},
         {"empty file", "", L""},
     };

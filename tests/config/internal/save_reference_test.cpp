@@ -272,26 +272,15 @@ TEST(save_reference, random_keys_and_values) {
             for (int p = 0; p < count; ++p) {
                 key += (p > 0 ? L"." : L"") + std::wstring(pieces[random() % std::size(pieces)]);
             }
-            switch (random() % 6) {
-            case 0:
-                store.set_value(key, static_cast<int>(random() % 100));
-                break;
-            case 1:
-                store.set_value(key, std::wstring(L"s&<") + pieces[random() % std::size(pieces)]);
-                break;
-            case 2:
-                store.set_value(key, string_vector{L"i", pieces[random() % std::size(pieces)]});
-                break;
-            case 3:
-                store.set_value(key, odd_t{static_cast<int>(random() % 30)});
-                break;
-            case 4:
-                store.set_value(key, string_map{{L"k", L"v"}});
-                break;
-            default:
-                store.set_value(key, boost::any());
-                break;
-            }
+            // One draw picks the kind; only the kind picked draws again.
+            const auto piece = [&] { return pieces[random() % std::size(pieces)]; };
+            const unsigned kind = random() % 6;
+            store.set_value(key, kind == 0   ? boost::any(static_cast<int>(random() % 100))
+                                 : kind == 1 ? boost::any(std::wstring(L"s&<") + piece())
+                                 : kind == 2 ? boost::any(string_vector{L"i", piece()})
+                                 : kind == 3 ? boost::any(odd_t{static_cast<int>(random() % 30)})
+                                 : kind == 4 ? boost::any(string_map{{L"k", L"v"}})
+                                             : boost::any());
         }
         expect_same_save(store);
     }

@@ -77,20 +77,34 @@ snapshot_t snapshot_of(const fs::path& dir) {
     return out;
 }
 
-class links_test : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        tree.write("outside/keep.xml", "outside");
-        tree.write("target.xml", "target");
-        tree.write("d/own.xml", "own");
-        fs::create_directory_symlink(tree.native("outside"), tree.native("d/dirlink"));
-        fs::create_symlink(tree.native("target.xml"), tree.native("d/filelink.xml"));
-        fs::create_symlink("../nowhere", tree.native("d/dangling.xml"));
-    }
+TEST(links, find_lists_linked_files_copy_recreates_links_removal_removes_links_only) {
     temp_tree_t tree;
-};
+    tree.write("outside/keep.xml", "outside");
+    tree.write("target.xml", "target");
+    tree.write("d/own.xml", "own");
+    fs::create_directory_symlink(tree.native("outside"), tree.native("d/dirlink"));
+    fs::create_symlink(tree.native("target.xml"), tree.native("d/filelink.xml"));
+    fs::create_symlink("../nowhere", tree.native("d/dangling.xml"));
 
-TEST_F(links_test, removal_removes_links_never_their_targets) {
+    // find lists linked files and never enters linked directories.
+    std::vector<std::wstring> names;
+    for (const path_t& found : velmor2::find_files(tree.path("d"), L"*.xml", true)) {
+        names.push_back(found.get_leaf());
+    }
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"dangling.xml", L"filelink.xml", L"own.xml"}));
+
+    // Copies recreate links and refuse what they cannot carry.
+    EXPECT_TRUE(velmor2::copy_directory(tree.path("d"), tree.path("copy")));
+    EXPECT_EQ(snapshot_of(tree.native("copy")), snapshot_of(tree.native("d")));
+    // A FIFO is neither copied nor waited on, by either copy, and the tree copy says so.
+    ASSERT_EQ(::mkfifo(tree.native("d/fifo").c_str(), 0600), 0);
+    EXPECT_FALSE(velmor2::copy_file(tree.path("d/fifo"), tree.path("fifo_copy")));
+    EXPECT_FALSE(velmor2::copy_directory(tree.path("d"), tree.path("copy2")));
+    EXPECT_EQ(tree.read("copy2/own.xml"), "own");
+    EXPECT_FALSE(tree.has("copy2/fifo") || tree.has("fifo_copy"));
+
+    // Removal removes links, never their targets.
     // A link to a directory given itself goes alone; so does a dangling link given to
     // remove_file, as find_files lists it.
     EXPECT_TRUE(velmor2::remove_directory(tree.path("d/dirlink"), true));
@@ -102,26 +116,6 @@ TEST_F(links_test, removal_removes_links_never_their_targets) {
     EXPECT_FALSE(tree.has("d"));
     EXPECT_EQ(tree.read("outside/keep.xml"), "outside");
     EXPECT_EQ(fs::status(tree.native("target.xml")).permissions(), fs::perms::owner_read);
-}
-
-TEST_F(links_test, find_lists_linked_files_and_never_enters_linked_directories) {
-    std::vector<std::wstring> names;
-    for (const path_t& found : velmor2::find_files(tree.path("d"), L"*.xml", true)) {
-        names.push_back(found.get_leaf());
-    }
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::wstring>{L"dangling.xml", L"filelink.xml", L"own.xml"}));
-}
-
-TEST_F(links_test, copy_recreates_links_and_refuses_what_it_cannot_carry) {
-    EXPECT_TRUE(velmor2::copy_directory(tree.path("d"), tree.path("copy")));
-    EXPECT_EQ(snapshot_of(tree.native("copy")), snapshot_of(tree.native("d")));
-    // A FIFO is neither copied nor waited on, by either copy, and the tree copy says so.
-    ASSERT_EQ(::mkfifo(tree.native("d/fifo").c_str(), 0600), 0);
-    EXPECT_FALSE(velmor2::copy_file(tree.path("d/fifo"), tree.path("fifo_copy")));
-    EXPECT_FALSE(velmor2::copy_directory(tree.path("d"), tree.path("copy2")));
-    EXPECT_EQ(tree.read("copy2/own.xml"), "own");
-    EXPECT_FALSE(tree.has("copy2/fifo") || tree.has("fifo_copy"));
 }
 
 TEST(special_files, whole_file_reads_fail_at_once_and_proc_files_are_read_to_the_end) {
@@ -282,14 +276,13 @@ class injected_failures : public ::testing::Test {
     os::fs_calls_t saved_ = os::fs_calls();
 };
 
-TEST_F(injected_failures, full_disk_during_copy_is_false_and_leaves_no_partial_file) {
+TEST_F(injected_failures,
+       full_disk_during_copy_is_false_and_leaves_no_partial_file_short_writes_done) {
     tree.write("src", std::string(300000, 'x'));
     calls().write = failing<ssize_t, ENOSPC>;
     EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
     EXPECT_FALSE(tree.has("dst"));
-}
-
-TEST_F(injected_failures, short_writes_are_completed) {
+    // Short writes are completed.
     std::string content;
     for (int i = 0; i < 50000; ++i) {
         content += static_cast<char>('a' + i % 26);

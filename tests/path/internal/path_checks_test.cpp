@@ -126,7 +126,15 @@ class path_status : public testing::Test {
     temp_tree_t dir_;
 };
 
-TEST_F(path_status, exists_and_is_directory) {
+// (read_only, unknown) as `readonly` gives them for `text`.
+std::pair<bool, bool> readonly_of(const std::wstring& text) {
+    bool read_only = true;
+    bool unknown = false;
+    path_t::readonly(text, read_only, unknown);
+    return {read_only, unknown};
+}
+
+TEST_F(path_status, exists_is_directory_and_readonly) {
     const std::wstring file = dir_.make_file("f.txt").as_native_string();
     const std::wstring sub = dir_.make_dir("sub").as_native_string();
     struct case_t {
@@ -156,20 +164,10 @@ TEST_F(path_status, exists_and_is_directory) {
     EXPECT_TRUE(sub_path.is_exists());
     EXPECT_TRUE(sub_path.is_directory());
     EXPECT_FALSE(path_t().is_exists());
-}
 
-// (read_only, unknown) as `readonly` gives them for `text`.
-std::pair<bool, bool> readonly_of(const std::wstring& text) {
-    bool read_only = true;
-    bool unknown = false;
-    path_t::readonly(text, read_only, unknown);
-    return {read_only, unknown};
-}
-
-TEST_F(path_status, readonly_of_missing_writable_and_read_only_files) {
+    // readonly of missing, writable and read-only files.
     using result_t = std::pair<bool, bool>;
     EXPECT_EQ(readonly_of(dir_.native("missing").wstring()), result_t(false, true));
-    const std::wstring file = dir_.make_file("f").as_native_string();
     EXPECT_EQ(readonly_of(file), result_t(false, false));
     EXPECT_FALSE(path_t(file).is_readonly());
     // No write bit at all is the read-only attribute, for root as well.
@@ -182,7 +180,7 @@ TEST_F(path_status, readonly_of_missing_writable_and_read_only_files) {
 
 #if !defined(_WIN32)
 // The meanings the POSIX calls give: `stat` errors, modes, effective access.
-TEST_F(path_status, long_texts_reach_the_system_without_the_prefix) {
+TEST_F(path_status, long_texts_reach_the_system_read_only_directory_effective_access) {
     std::string relative;
     for (int i = 0; i < 3; ++i) {
         relative += (i == 0 ? "" : "/") + std::string(100, static_cast<char>('a' + i));
@@ -193,9 +191,8 @@ TEST_F(path_status, long_texts_reach_the_system_without_the_prefix) {
     EXPECT_TRUE(deep.is_directory());
     // A name too long for the system is not there.
     EXPECT_FALSE(path_t::exists(dir_.native(std::string(300, 'n')).wstring()));
-}
 
-TEST_F(path_status, read_only_directory_and_effective_access) {
+    // A read-only directory, and the effective access.
     const std::wstring sub = dir_.make_dir("sub").as_native_string();
     dir_.write("sub/f");
     std::filesystem::permissions(sub, std::filesystem::perms::owner_read |

@@ -18,7 +18,7 @@ namespace {
 using velmor2::path_t;
 using velmor_test::temp_tree_t;
 
-TEST(path_compose, append_adds_relative_paths_only) {
+TEST(path_compose, append_adds_relative_paths_only_assign_list_parses_and_joins) {
     struct case_t {
         const wchar_t* base;
         const wchar_t* added;
@@ -51,9 +51,8 @@ TEST(path_compose, append_adds_relative_paths_only) {
     empty.append(path_t(L"\\\\?\\x"));
     EXPECT_TRUE(empty.is_windows());
     EXPECT_FALSE(empty.is_posix());
-}
 
-TEST(path_compose, assign_list_parses_and_joins_each_text) {
+    // assign of a list parses and joins each text.
     path_t path(L"old");
     EXPECT_TRUE(path.assign(std::list<std::wstring>{L"C:", L"a", L"b\\c"}));
     EXPECT_EQ(path.as_string(), L"C:\\a\\b\\c");
@@ -141,7 +140,7 @@ TEST(path_compose, get_relative_counts_the_difference_of_the_remainders) {
     }
 }
 
-TEST(path_compose, equality_ignores_case_and_order_does_not) {
+TEST(path_compose, equality_ignores_case_follows_the_global_locale_and_order_does_not) {
     struct case_t {
         const wchar_t* a;
         const wchar_t* b;
@@ -180,14 +179,11 @@ TEST(path_compose, equality_ignores_case_and_order_does_not) {
             EXPECT_EQ(path_t(b) < a, path_t(b).as_string() < a.as_string()) << size << b;
         }
     }
-}
-
-// A locale whose upper-casing makes every character `X`.
-struct all_x_ctype_t : std::ctype<wchar_t> {
-    wchar_t do_toupper(wchar_t) const override { return L'X'; }
-};
-
-TEST(path_compose, equality_follows_the_global_locale_when_it_changes) {
+    // Equality follows the global locale when it changes: here every character upper-cases
+    // to `X`.
+    struct all_x_ctype_t : std::ctype<wchar_t> {
+        wchar_t do_toupper(wchar_t) const override { return L'X'; }
+    };
     const path_t a(L"C:\\ab");
     const path_t b(L"C:\\yz");
     EXPECT_NE(a, b);
@@ -197,7 +193,7 @@ TEST(path_compose, equality_follows_the_global_locale_when_it_changes) {
     EXPECT_NE(a, b);
 }
 
-TEST(path_compose, branch_and_leaf) {
+TEST(path_compose, branch_and_leaf_and_to_lower) {
     struct case_t {
         const wchar_t* text;
         const wchar_t* branch;
@@ -225,9 +221,8 @@ TEST(path_compose, branch_and_leaf) {
     // A long branch is printed as the operating system needs it.
     const std::wstring name(250, L'n');
     EXPECT_EQ(path_t(L"C:\\" + name + L"\\x").get_branch(), L"\\\\?\\C:\\" + name);
-}
 
-TEST(path_compose, to_lower_leaves_drive_and_server) {
+    // to_lower leaves drive and server.
     path_t path(L"C:\\Dir\\\u00c4\u03a3");
     path.to_lower();
     EXPECT_EQ(path.as_string(), L"C:\\dir\\\u00e4\u03c3");

@@ -60,7 +60,7 @@ TEST(path_parse, prints_each_form_back) {
     }
 }
 
-TEST(path_parse, rejects_text_that_is_not_a_path_completely) {
+TEST(path_parse, rejects_what_is_not_a_path_and_follows_the_grammar_over_the_prose) {
     for (const wchar_t* text : {L"", L"a|b", L"a<b", L"a>b", L"C:\\a:b", L"a\"b", L"ab:c", L"\"\"",
                                 L"   ", L"\\\\?\\", L"|", L"C:\\x\\\"y"}) {
         SCOPED_TRACE(testing::Message() << "[" << text << "]");
@@ -72,10 +72,8 @@ TEST(path_parse, rejects_text_that_is_not_a_path_completely) {
         EXPECT_EQ(path, path_t());
     }
     EXPECT_TRUE(path_t(static_cast<const wchar_t*>(nullptr)).is_empty());
-}
 
-// Where the written rules of the grammar and the prose about them part ways, the rules decide.
-TEST(path_parse, follows_the_grammar_where_the_prose_says_otherwise) {
+    // Where the written rules of the grammar and the prose about them part ways, the rules decide.
     // The `C:x` shape: a single letter and a colon are a drive, whatever letter it is, so
     // `a:b` is the component `b` on drive `a` rather than a rejected colon.
     const model_t drive = parse(L"a:b");
@@ -103,7 +101,7 @@ TEST(path_parse, follows_the_grammar_where_the_prose_says_otherwise) {
     EXPECT_NE(with_letter, without_letter);
 }
 
-TEST(path_parse, prints_the_long_path_prefix_from_248_characters) {
+TEST(path_parse, long_path_prefix_from_248_characters_make_path_and_the_separator) {
     const std::wstring name(242, L'n');
     EXPECT_EQ(path_t(L"C:\\" + name + L"xy").as_string(), L"C:\\" + name + L"xy"); // 247
     EXPECT_EQ(path_t(L"C:\\" + name + L"xyz").as_string(), L"\\\\?\\C:\\" + name + L"xyz");
@@ -115,25 +113,23 @@ TEST(path_parse, prints_the_long_path_prefix_from_248_characters) {
         deep += L"\\" + std::to_wstring(i);
     }
     EXPECT_EQ(path_t(deep).as_string(), deep);
-}
 
-TEST(path_parse, make_path_normalises_and_reads_utf8) {
+    // make_path normalises and reads UTF-8.
     EXPECT_EQ(make_path(L"C:/Tools/../Data//settings.xml").as_string(), L"C:\\Data\\settings.xml");
     EXPECT_EQ(make_path(std::string("/d\xC3\xA9j\xC3\xA0/./x")).as_string(),
               L"\\d\u00e9j\u00e0\\x");
     EXPECT_TRUE(make_path(std::string("a|b")).is_empty());
     // Bytes that are not UTF-8 turn into U+FFFD, which is a name character.
     EXPECT_EQ(make_path(std::string("a\xFF")).as_string(), L"a\uFFFD");
-}
 
-TEST(path_parse, separator_is_always_the_backslash) {
+    // The separator is always the backslash.
     EXPECT_EQ(path_t::get_separator_char(), L'\\');
 #if defined(_WIN32)
     EXPECT_EQ(path_t(L"\\\\?\\C:/x").as_native_string(), L"C:\\x");
 #else
     // POSIX calls get `/` separators and never the long-path prefix.
-    const std::wstring name(300, L'n');
-    EXPECT_EQ(path_t(L"/a/" + name).as_native_string(), L"/a/" + name);
+    const std::wstring long_name(300, L'n');
+    EXPECT_EQ(path_t(L"/a/" + long_name).as_native_string(), L"/a/" + long_name);
     EXPECT_EQ(path_t(L"\\usr\\lib").as_native_string(), L"/usr/lib");
 #endif
 }

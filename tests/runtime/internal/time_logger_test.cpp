@@ -31,7 +31,7 @@ TEST(time_logger, line_format) {
     EXPECT_EQ(_internal::time_log_line(L"", 1000), L" 1");
 }
 
-TEST(time_logger, prints_one_line_when_destroyed) {
+TEST(time_logger, prints_one_line_when_destroyed_and_copies_their_own) {
     velmor_test::debug_output_capture_t capture;
     {
         debugging::time_logger_t logger("scope \xC3\xA9");
@@ -42,10 +42,8 @@ TEST(time_logger, prints_one_line_when_destroyed) {
     { debugging::time_logger_t unnamed(std::wstring{}); }
     const std::string unnamed_out = capture.take();
     EXPECT_TRUE(std::regex_match(unnamed_out, std::regex(" [0-9.e+-]+\n"))) << unnamed_out;
-}
 
-TEST(time_logger, copies_print_their_own_lines) {
-    velmor_test::debug_output_capture_t capture;
+    // Copies print their own lines.
     {
         debugging::time_logger_t a(std::wstring(L"a"));
         debugging::time_logger_t b(a);
@@ -54,8 +52,8 @@ TEST(time_logger, copies_print_their_own_lines) {
         const debugging::time_logger_t& alias = c;
         c = alias;
     }
-    const std::string out = capture.take();
-    EXPECT_TRUE(std::regex_match(out, std::regex("(a [0-9.e+-]+\n){3}"))) << out;
+    const std::string copies_out = capture.take();
+    EXPECT_TRUE(std::regex_match(copies_out, std::regex("(a [0-9.e+-]+\n){3}"))) << copies_out;
 }
 
 struct printing_logger_t : debugging::time_logger_t {

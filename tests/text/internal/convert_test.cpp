@@ -44,20 +44,16 @@ TEST(utf8_sequence, validity_and_length_follow_rfc3629) {
     EXPECT_EQ(get_utf8_length("", 0), 1u);
 }
 
-TEST(utf8_conversion, round_trips_every_plane) {
+TEST(utf_conversion, round_trips_every_plane_invalid_bytes_are_replaced_pairs_split) {
     const std::wstring text = L"a\u00e4\u20ac\U0001F600z";
     EXPECT_EQ(to_utf8(text), "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z");
     EXPECT_EQ(to_ustring(to_utf8(text)), text);
     EXPECT_EQ(to_ustring(static_cast<const char*>(nullptr)), L"");
     EXPECT_EQ(to_ustring(static_cast<const wchar_t*>(nullptr)), L"");
-}
-
-TEST(utf8_conversion, invalid_bytes_become_replacement_characters) {
+    // Invalid bytes become replacement characters.
     EXPECT_EQ(to_ustring(std::string("a\xFF" "b\xE2\x82")), L"a\uFFFDb\uFFFD");
     EXPECT_EQ(to_ustring(std::string("\xED\xA0\x80")), L"\uFFFD\uFFFD\uFFFD");
-}
-
-TEST(utf16_conversion, pairs_are_split_and_combined) {
+    // UTF-16 pairs are split and combined.
     const std::u16string units = to_utf16(L"x\U00010400");
     EXPECT_EQ(units, (std::u16string{u'x', 0xD801, 0xDC00}));
     EXPECT_EQ(to_ustring(units.c_str()), L"x\U00010400");
