@@ -141,8 +141,9 @@ std::size_t advanced_xml_config_t::reload_changes() {
         if (incoming == on_disk.values.end()) {
             continue;
         }
+        // The file's text was made above; only the store's own value needs writing out.
         const auto own = values.find(key);
-        if (own != values.end() && saved_texts({*own}) == saved_texts({*incoming})) {
+        if (own != values.end() && saved_texts({*own})[key] == watch->on_disk[key]) {
             continue;
         }
         ++announced;
