@@ -1,28 +1,28 @@
-// Saving and loading a configuration of typed keys (about 100 groups of nested keys, ints and
-// strings) beside boost::property_tree writing and reading the same data as XML.
+// Saving and loading a configuration of typed keys beside boost::property_tree writing and
+// reading the same content as XML, and beside libxml2's bare parse of our file.
+//
+// The workload: keys `groupG.subS.keyI`, 100 groups x 10 subs x N/1000 keys, made and read in
+// that order. Every other value is an int below 10^9; the others are strings of 10 to 30
+// characters, one in nine with non-ASCII letters (é, €) and one in nine a Windows path. The
+// peer's file holds the same content without type attributes.
 //
 // What each row times, per iteration (set-up outside the loop is not timed):
-//   velmor_save  store.save: builds the document from the store's values and writes the file.
-//                The store is filled once beforehand, in the order the keys are made (not key
-//                order), as a program fills its settings.
-//   ptree_save   write_xml of a tree built once beforehand: for a property_tree user the tree
-//                is the store, so building it is not part of a save. This is the stricter of
-//                the two readings (counting the build would add to the peer's time only).
-//   velmor_load  constructs a store, loads the file and reads every value back by its key,
-//                in the order the keys were made; the store is destroyed at the end.
-//   ptree_load   read_xml into a fresh tree, then get<int>/get<std::string> of every key by
-//                its path, in the same order; the tree is destroyed at the end.
-// Both sides write and read files of the same shape (two-space indentation, a type attribute
-// per value) in /tmp. Compare CPU times: the wall time of a save includes the file system.
-// At 100,000 keys neither side's data fits the processor's caches any more (about 35 MB of
-// store entries, and a parsed document of about 60 MB while loading): reading the keys back in
-// creation order lands on a cold entry each time, and freeing the document and the store's
-// many small blocks walks cold memory, so both loads grow faster than the key count.
+//   velmor_save   a fresh store, set_value of every key, then save (which flushes the new file
+//                 and its folder to the disk: the peer does not).
+//   ptree_save    a fresh tree, put of every key, then write_xml.
+//   velmor_load   a fresh store, load, then a typed get of every key.
+//   ptree_load    read_xml into a fresh tree, then get<int> or get<std::string> of every key.
+//   libxml2_parse xmlReadFile and xmlFreeDoc of our file: the floor under any load.
+//   load_growth   velmor_load at three sizes ten apart, with the growth per key printed.
+// Compare CPU times: the wall time of a save includes the disk.
+#include "growth.hpp"
+
 #include <velmor2/configuration.hpp>
 
 #include <benchmark/benchmark.h>
 #include <boost/property_tree/ptree.hpp>
 #include <boost/property_tree/xml_parser.hpp>
+#include <libxml/parser.h>
 
 #include <cstdio>
 #include <string>
@@ -34,31 +34,71 @@ namespace {
 namespace pt = boost::property_tree;
 
 struct entry_t {
-    std::string key;
+    std::wstring key;
+    std::string narrow_key; // the peer's path, "root." and the key
     bool is_int;
     int number;
-    std::string text;
+    std::wstring text;
+    std::string utf8_text;
 };
 
-// group<g>.section<s>.key<k>: 100 groups, 10 sections each, the rest keys; every other value
-// is an int, the others strings.
+std::string utf8(const std::wstring& text) {
+    std::string out;
+    for (const wchar_t c : text) {
+        const auto code = static_cast<unsigned>(c);
+        if (code < 0x80) {
+            out += static_cast<char>(code);
+        } else if (code < 0x800) {
+            out += static_cast<char>(0xC0 | code >> 6);
+            out += static_cast<char>(0x80 | (code & 0x3F));
+        } else {
+            out += static_cast<char>(0xE0 | code >> 12);
+            out += static_cast<char>(0x80 | (code >> 6 & 0x3F));
+            out += static_cast<char>(0x80 | (code & 0x3F));
+        }
+    }
+    return out;
+}
+
+std::wstring text_value(std::size_t n) {
+    const std::size_t length = 10 + n * 7 % 21;
+    std::wstring text;
+    switch (n / 2 % 9) {
+    case 0:
+        text = L"Paramètre " + std::to_wstring(n) + L" à 5 €";
+        break;
+    case 1:
+        text = L"C:\\Users\\user" + std::to_wstring(n % 100) + L"\\Documents\\f.txt";
+        break;
+    default:
+        text = L"value " + std::to_wstring(n) + L" of the setting";
+        break;
+    }
+    text.resize(length, L'x');
+    return text;
+}
+
 std::vector<entry_t> make_entries(std::size_t count) {
     std::vector<entry_t> entries;
     entries.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        entry_t entry;
-        entry.key = "group" + std::to_string(i % 100) + ".section" + std::to_string(i / 100 % 10) +
-                    ".key" + std::to_string(i / 1000);
-        entry.is_int = i % 2 == 0;
-        entry.number = static_cast<int>(i * 7919 % 1000003);
-        entry.text = "value " + std::to_string(i) + " of the setting";
-        entries.push_back(entry);
+    const std::size_t per_sub = count / 1000;
+    for (std::size_t g = 0; g < 100; ++g) {
+        for (std::size_t s = 0; s < 10; ++s) {
+            for (std::size_t i = 0; i < per_sub; ++i) {
+                const std::size_t n = entries.size();
+                entry_t entry;
+                entry.key = L"group" + std::to_wstring(g) + L".sub" + std::to_wstring(s) +
+                            L".key" + std::to_wstring(i);
+                entry.narrow_key = "root." + utf8(entry.key);
+                entry.is_int = n % 2 == 0;
+                entry.number = static_cast<int>(n * 104729 % 1000000000);
+                entry.text = text_value(n);
+                entry.utf8_text = utf8(entry.text);
+                entries.push_back(std::move(entry));
+            }
+        }
     }
     return entries;
-}
-
-std::wstring wide(const std::string& text) {
-    return std::wstring(text.begin(), text.end());
 }
 
 std::string file_name(const char* tag, std::size_t count) {
@@ -69,9 +109,9 @@ std::string file_name(const char* tag, std::size_t count) {
 void fill(velmor2::advanced_xml_config_t& store, const std::vector<entry_t>& entries) {
     for (const entry_t& entry : entries) {
         if (entry.is_int) {
-            store.set_value(wide(entry.key), entry.number);
+            store.set_value(entry.key, entry.number);
         } else {
-            store.set_value(wide(entry.key), wide(entry.text));
+            store.set_value(entry.key, entry.text);
         }
     }
 }
@@ -79,21 +119,50 @@ void fill(velmor2::advanced_xml_config_t& store, const std::vector<entry_t>& ent
 pt::ptree make_tree(const std::vector<entry_t>& entries) {
     pt::ptree root;
     for (const entry_t& entry : entries) {
-        pt::ptree& node = entry.is_int ? root.put("root." + entry.key, entry.number)
-                                       : root.put("root." + entry.key, entry.text);
-        node.put("<xmlattr>.type", entry.is_int ? "int" : "string");
+        if (entry.is_int) {
+            root.put(entry.narrow_key, entry.number);
+        } else {
+            root.put(entry.narrow_key, entry.utf8_text);
+        }
     }
     return root;
 }
 
 const auto ptree_settings = pt::xml_writer_make_settings<std::string>(' ', 2);
 
+// A file written by the store, removed when the benchmark ends.
+struct saved_file_t {
+    std::string name;
+    saved_file_t(const char* tag, const std::vector<entry_t>& entries)
+        : name(file_name(tag, entries.size())) {
+        velmor2::advanced_xml_config_t store;
+        fill(store, entries);
+        store.save(velmor2::make_path(name));
+    }
+    ~saved_file_t() { std::remove(name.c_str()); }
+};
+
+void load_and_read(const std::string& file, const std::vector<entry_t>& entries,
+                   benchmark::State& state) {
+    velmor2::advanced_xml_config_t store;
+    if (!store.load(velmor2::make_path(file))) {
+        state.SkipWithError("load failed");
+    }
+    for (const entry_t& entry : entries) {
+        if (entry.is_int) {
+            benchmark::DoNotOptimize(store.get_value(entry.key, 0));
+        } else {
+            benchmark::DoNotOptimize(store.get_value(entry.key, std::wstring()));
+        }
+    }
+}
+
 void velmor_save(benchmark::State& state) {
     const auto entries = make_entries(static_cast<std::size_t>(state.range(0)));
-    velmor2::advanced_xml_config_t store;
-    fill(store, entries);
     const std::string file = file_name("velmor_save", entries.size());
     for (auto _ : state) {
+        velmor2::advanced_xml_config_t store;
+        fill(store, entries);
         if (!store.save(velmor2::make_path(file))) {
             state.SkipWithError("save failed");
         }
@@ -102,40 +171,22 @@ void velmor_save(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void velmor_load(benchmark::State& state) {
+void ptree_save(benchmark::State& state) {
     const auto entries = make_entries(static_cast<std::size_t>(state.range(0)));
-    const std::string file = file_name("velmor_load", entries.size());
-    {
-        velmor2::advanced_xml_config_t store;
-        fill(store, entries);
-        store.save(velmor2::make_path(file));
-    }
-    std::vector<std::wstring> keys;
-    for (const entry_t& entry : entries) {
-        keys.push_back(wide(entry.key));
-    }
+    const std::string file = file_name("ptree_save", entries.size());
     for (auto _ : state) {
-        velmor2::advanced_xml_config_t store;
-        if (!store.load(velmor2::make_path(file))) {
-            state.SkipWithError("load failed");
-        }
-        // Read every value back, as a program does after loading.
-        for (const std::wstring& key : keys) {
-            benchmark::DoNotOptimize(store.get_value(key, boost::any()));
-        }
+        pt::write_xml(file, make_tree(entries), std::locale(), ptree_settings);
     }
     std::remove(file.c_str());
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
-void ptree_save(benchmark::State& state) {
+void velmor_load(benchmark::State& state) {
     const auto entries = make_entries(static_cast<std::size_t>(state.range(0)));
-    const pt::ptree tree = make_tree(entries);
-    const std::string file = file_name("ptree_save", entries.size());
+    const saved_file_t file("velmor_load", entries);
     for (auto _ : state) {
-        pt::write_xml(file, tree, std::locale(), ptree_settings);
+        load_and_read(file.name, entries, state);
     }
-    std::remove(file.c_str());
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
@@ -148,14 +199,30 @@ void ptree_load(benchmark::State& state) {
         pt::read_xml(file, tree, pt::xml_parser::trim_whitespace);
         for (const entry_t& entry : entries) {
             if (entry.is_int) {
-                benchmark::DoNotOptimize(tree.get<int>("root." + entry.key));
+                benchmark::DoNotOptimize(tree.get<int>(entry.narrow_key));
             } else {
-                benchmark::DoNotOptimize(tree.get<std::string>("root." + entry.key));
+                benchmark::DoNotOptimize(tree.get<std::string>(entry.narrow_key));
             }
         }
     }
     std::remove(file.c_str());
     state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void libxml2_parse(benchmark::State& state) {
+    const auto entries = make_entries(static_cast<std::size_t>(state.range(0)));
+    const saved_file_t file("libxml2_parse", entries);
+    for (auto _ : state) {
+        xmlFreeDoc(xmlReadFile(file.name.c_str(), nullptr, XML_PARSE_NONET));
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void load_growth(benchmark::State& state) {
+    const auto entries = make_entries(static_cast<std::size_t>(state.range(0)));
+    const saved_file_t file("load_growth", entries);
+    velmor_bench::run_growth(state, "load", static_cast<double>(entries.size()),
+                             [&] { load_and_read(file.name, entries, state); });
 }
 
 } // namespace
@@ -164,3 +231,5 @@ BENCHMARK(velmor_save)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(ptree_save)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(velmor_load)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(ptree_load)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(libxml2_parse)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(load_growth)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);

@@ -18,6 +18,7 @@
 #include <tuple>
 #include <typeinfo>
 #include <utility>
+#include <deque>
 #include <vector>
 
 // libxml2's document and node types; users who write handlers include <libxml/tree.h>.
@@ -276,7 +277,11 @@ class VELMOR_API advanced_xml_config_t {
         boost::any value;
     };
 
-    void parse_node(xmlNode* node, std::vector<read_value_t>& read);
+    /// Reads every value element of `file` into `read`, in document order; false when the
+    /// file does not load.
+    bool read_file(const path_t& file, std::deque<read_value_t>& read);
+    /// `set_value` with the key already lower-cased, taking both.
+    void put_value(std::wstring key, boost::any value);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key` in the store or a layer below; null if none.

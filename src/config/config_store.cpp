@@ -6,19 +6,13 @@
 #include "config/store_watch.hpp"
 #include "unicode/convert.hpp"
 
-#include <algorithm>
-#include <cstdint>
 
 namespace velmor2 {
 namespace {
 
-// The key of `name`: `tolower(name)`, which for ASCII text without capitals is the name itself
-// and needs no pass over it.
+// Runs `use` on the key of `name`, copying only a name that is not in key form.
 template <typename use_t> auto with_key(const std::wstring& name, use_t use) {
-    const bool lower = std::all_of(name.begin(), name.end(), [](wchar_t c) {
-        return static_cast<std::uint32_t>(c) < 0x80 && !(c >= L'A' && c <= L'Z');
-    });
-    return lower ? use(name) : use(_internal::tolower(name));
+    return _internal::key_index::is_key_form(name) ? use(name) : use(_internal::tolower(name));
 }
 
 } // namespace
@@ -49,9 +43,11 @@ advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_confi
 }
 
 advanced_xml_config_t::~advanced_xml_config_t() {
-    // Handlers first, then values; the signal goes last as the first-declared member.
+    // Handlers first, then values; the signal goes last as the first-declared member. The
+    // index's one large block goes before the many small ones, whose release would otherwise
+    // be swept up again by the allocator when the large one is returned.
     handlers.clear();
-    index.clear();
+    _internal::key_index::index_t().swap(index);
     values.clear();
 }
 
@@ -64,24 +60,30 @@ boost::any advanced_xml_config_t::get_value(const std::wstring& name,
 }
 
 void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any& value) {
-    const std::wstring key = with_key(name, [](const std::wstring& lower) { return lower; });
+    put_value(_internal::key_index::key_of_name(name), value);
+}
+
+void advanced_xml_config_t::put_value(std::wstring key, boost::any value) {
     boost::any previous;
     const std::size_t hash = _internal::key_index::hash_of(key);
-    if (auto* found = _internal::key_index::find(index, key, hash)) {
-        previous.swap(found->second);
-        found->second = value;
+    // A key after the last one is new without a look-up: files and loops mostly bring keys
+    // in ascending order.
+    const bool after_last = values.empty() || values.rbegin()->first < key;
+    auto* entry = after_last ? nullptr : _internal::key_index::find(index, key, hash);
+    if (entry != nullptr) {
+        previous.swap(entry->second);
+        entry->second = std::move(value);
     } else {
-        // Files and loops mostly bring new keys in ascending order: the end is the likely
-        // place, and a wrong hint costs one comparison.
-        const auto entry = values.emplace_hint(values.end(), key, value);
+        const auto added = values.emplace_hint(values.end(), std::move(key), std::move(value));
         try {
-            _internal::key_index::add(index, values.size() - 1, hash, &*entry);
+            _internal::key_index::add(index, values.size() - 1, hash, &*added);
         } catch (...) {
-            values.erase(entry);
+            values.erase(added);
             throw;
         }
+        entry = &*added;
     }
-    value_changed(key, previous, value);
+    value_changed(entry->first, previous, entry->second);
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {

@@ -38,6 +38,15 @@ class text_writer_t {
     virtual bool append_text(const boost::any& value, std::string& utf8) const = 0;
 };
 
+/// A handler whose `load_value` only reads the element's text: a load can hand it that text
+/// without building a libxml2 element for the value.
+class text_reader_t {
+  public:
+    virtual ~text_reader_t() = default;
+    /// What `load_value` returns for an element whose text (references replaced) is `text`.
+    virtual boost::any value_of_text(std::wstring text) const = 0;
+};
+
 /// Text of a scalar for the file.
 template <typename T> std::wstring scalar_text(const T& value) {
     if constexpr (std::is_same_v<T, std::wstring>) {
@@ -58,16 +67,24 @@ template <typename T> bool scalar_value(const std::wstring& text, T& value) {
 }
 
 /// A scalar (bool, integers, float, double, std::wstring) as the text of its element.
-template <typename T> class generic_handler_t : public handler_base_t, public text_writer_t {
+template <typename T>
+class generic_handler_t : public handler_base_t, public text_writer_t, public text_reader_t {
   public:
     explicit generic_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
     boost::any load_value(xmlNode* element) override {
-        T value;
-        if (!scalar_value(get_node_content(element), value)) {
-            return boost::any();
+        return value_of_text(get_node_content(element));
+    }
+    boost::any value_of_text(std::wstring text) const override {
+        if constexpr (std::is_same_v<T, std::wstring>) {
+            return boost::any(std::move(text));
+        } else {
+            T value;
+            if (!scalar_value(text, value)) {
+                return boost::any();
+            }
+            return boost::any(value);
         }
-        return boost::any(value);
     }
     void save_value(const boost::any& value, xmlNode* element) override {
         if (const T* held = boost::any_cast<T>(&value)) {
@@ -108,7 +125,7 @@ template <typename C, typename E> class generic_container_handler_t : public han
             }
             container.push_back(entry);
         }
-        return boost::any(container);
+        return boost::any(std::move(container));
     }
     void save_value(const boost::any& value, xmlNode* element) override {
         if (const C* held = boost::any_cast<C>(&value)) {
@@ -134,7 +151,7 @@ template <typename M> class generic_map_handler_t : public handler_base_t {
         for (xmlNode* item : child_elements(element, "item")) {
             map[get_attribute(item, L"key")] = get_attribute(item, L"value");
         }
-        return boost::any(map);
+        return boost::any(std::move(map));
     }
     void save_value(const boost::any& value, xmlNode* element) override {
         if (const M* held = boost::any_cast<M>(&value)) {

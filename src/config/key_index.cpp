@@ -3,8 +3,10 @@
 // "Configuration store".
 #include "config/key_index.hpp"
 #include "config/prefetch.hpp"
+#include "unicode/convert.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 
 namespace velmor2::_internal::key_index {
@@ -38,6 +40,16 @@ void resize(index_t& index, std::size_t count) {
 
 } // namespace
 
+bool is_key_form(std::wstring_view name) {
+    return std::all_of(name.begin(), name.end(), [](wchar_t c) {
+        return static_cast<std::uint32_t>(c) < 0x80 && !(c >= L'A' && c <= L'Z');
+    });
+}
+
+std::wstring key_of_name(std::wstring name) {
+    return is_key_form(name) ? name : _internal::tolower(name);
+}
+
 std::size_t hash_of(std::wstring_view key) {
     return std::hash<std::wstring_view>()(key);
 }
@@ -62,10 +74,14 @@ entry_t* find(const index_t& index, std::wstring_view key, std::size_t hash) {
     }
 }
 
-void add(index_t& index, std::size_t count, std::size_t hash, entry_t* entry) {
-    if (2 * (count + 1) > index.size()) {
-        resize(index, count + 1);
+void reserve(index_t& index, std::size_t count, std::size_t more) {
+    if (2 * (count + more) > index.size()) {
+        resize(index, count + more);
     }
+}
+
+void add(index_t& index, std::size_t count, std::size_t hash, entry_t* entry) {
+    reserve(index, count, 1);
     place(index, slot_t{hash, entry->first, entry});
 }
 

@@ -25,6 +25,12 @@ using slot_t = std::tuple<std::size_t, std::wstring_view, entry_t*>;
 /// are never removed one by one: the store only clears or replaces all of them.
 using index_t = std::vector<slot_t>;
 
+/// True when `name` is ASCII without capitals: its key is the name itself.
+bool is_key_form(std::wstring_view name);
+
+/// `name` as keys are kept: `tolower(name)`.
+std::wstring key_of_name(std::wstring name);
+
 /// The hash `find` and `add` expect for `key`.
 std::size_t hash_of(std::wstring_view key);
 
@@ -34,6 +40,10 @@ entry_t* find(const index_t& index, std::wstring_view key, std::size_t hash);
 /// Indexes `entry`, which is not indexed yet, under `hash`; `count` entries are indexed
 /// before it.
 void add(index_t& index, std::size_t count, std::size_t hash, entry_t* entry);
+
+/// Makes room in `index`, which indexes `count` entries, for `more` entries more, so that
+/// adding them rebuilds nothing.
+void reserve(index_t& index, std::size_t count, std::size_t more);
 
 /// An index of every entry of `values`.
 index_t build(std::map<std::wstring, boost::any>& values);

@@ -19,8 +19,7 @@ xmlDoc* open_xml_document(const path_t& file) {
         return nullptr;
     }
     const _internal::quiet_xml_t quiet;
-    xmlDoc* doc = xmlReadFd(descriptor, nullptr, nullptr,
-                            XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT);
+    xmlDoc* doc = xmlReadFd(descriptor, nullptr, nullptr, _internal::xml_read_options);
     _internal::os::close_xml_file(descriptor);
     return doc;
 }

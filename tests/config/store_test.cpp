@@ -194,39 +194,54 @@ TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
 
 TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_failed_loads) {
     temp_tree_t dir;
-    dir.write("f.xml", "<?xml version=\"1.0\"?>\n<Settings>\n"
-                       "  <!-- a comment -->\n"
-                       "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
-                       "<other>9</other></ints>\n"
-                       "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
-                       "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
-                       "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
-                       "  <g><n type=\"int\">2</n></g>\n"
-                       "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
-                       "  <plain>text</plain>\n"
-                       "</Settings>\n");
-    store_t store;
-    watcher_t watcher;
-    store.value_changed.connect(&watcher, &watcher_t::on_change);
-    ASSERT_TRUE(store.load(dir.path("f.xml")));
-    EXPECT_EQ(get<std::vector<int>>(store, L"ints"), (std::vector<int>{1, 0, 3}));
-    EXPECT_EQ(get<string_map>(store, L"map"), (string_map{{L"a", L"2"}, {L"", L"no key"}}));
-    EXPECT_EQ(get<int>(store, L"g.n"), 2);
-    EXPECT_EQ(get<int>(store, L"v"), 5);
-    EXPECT_FALSE(store.has_value(L"v.inner"));
-    EXPECT_FALSE(store.has_value(L"plain"));
-    ASSERT_EQ(store.load_failures.size(), 1u);
-    EXPECT_EQ(store.load_failures[0].first, L"g.Upper");
-    EXPECT_EQ(store.load_failures[0].second, L"Int");
-    EXPECT_EQ(names_of(store), (std::vector<std::wstring>{L"g.n", L"ints", L"map", L"v"}));
+    // A document type makes the load build every element instead of taking scalars' text.
+    for (const char* prolog : {"", "<!DOCTYPE Settings>\n"}) {
+        SCOPED_TRACE(prolog);
+        dir.write("f.xml",
+                  std::string("<?xml version=\"1.0\"?>\n") + prolog +
+                      "<Settings>\n"
+                      "  <!-- a comment -->\n"
+                      "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
+                      "<other>9</other></ints>\n"
+                      "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
+                      "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
+                      "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
+                      "  <g><n type=\"int\">2</n></g>\n"
+                      "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
+                      "  <plain>text</plain>\n"
+                      "  <c type=\"string\">a<![CDATA[<b>]]>&amp;&#233;<!--x--><i>no</i>z</c>\n"
+                      "</Settings>\n");
+        store_t store;
+        watcher_t watcher;
+        store.value_changed.connect(&watcher, &watcher_t::on_change);
+        ASSERT_TRUE(store.load(dir.path("f.xml")));
+        EXPECT_EQ(get<std::vector<int>>(store, L"ints"), (std::vector<int>{1, 0, 3}));
+        EXPECT_EQ(get<string_map>(store, L"map"), (string_map{{L"a", L"2"}, {L"", L"no key"}}));
+        EXPECT_EQ(get<int>(store, L"g.n"), 2);
+        EXPECT_EQ(get<int>(store, L"v"), 5);
+        EXPECT_FALSE(store.has_value(L"v.inner"));
+        EXPECT_FALSE(store.has_value(L"plain"));
+        ASSERT_EQ(store.load_failures.size(), 1u);
+        EXPECT_EQ(store.load_failures[0].first, L"g.Upper");
+        EXPECT_EQ(store.load_failures[0].second, L"Int");
+        EXPECT_EQ(get<std::wstring>(store, L"c"), L"a<b>&\u00e9z");
+        EXPECT_EQ(names_of(store),
+                  (std::vector<std::wstring>{L"c", L"g.n", L"ints", L"map", L"v"}));
 
-    // One notification per value element; the duplicate carries the earlier value.
-    ASSERT_EQ(watcher.changes.size(), 5u);
-    const watcher_t::change_t& duplicate = watcher.changes[3];
-    EXPECT_EQ(duplicate.key, L"g.n");
-    EXPECT_EQ(boost::any_cast<int>(duplicate.previous), 1);
-    EXPECT_EQ(boost::any_cast<int>(duplicate.value), 2);
-    EXPECT_TRUE(watcher.changes[0].previous.empty());
+        // One notification per value element; the duplicate carries the earlier value.
+        ASSERT_EQ(watcher.changes.size(), 6u);
+        const watcher_t::change_t& duplicate = watcher.changes[3];
+        EXPECT_EQ(duplicate.key, L"g.n");
+        EXPECT_EQ(boost::any_cast<int>(duplicate.previous), 1);
+        EXPECT_EQ(boost::any_cast<int>(duplicate.value), 2);
+        EXPECT_TRUE(watcher.changes[0].previous.empty());
+    }
+    store_t store;
+
+    // Values inside an entity's text are read where it is referenced, keyed from inside it.
+    dir.write("e.xml", "<!DOCTYPE r [<!ENTITY t '<w type=\"int\">4</w>'>]><r><g>&t;</g></r>");
+    ASSERT_TRUE(store.load(dir.path("e.xml")));
+    EXPECT_EQ(names_of(store), std::vector<std::wstring>{L"w"});
 
     // A failed load keeps the values.
     dir.write("bad.xml", "<root><x type=\"int\">1</x>");
@@ -340,6 +355,12 @@ TEST(config_store, added_handler_extends_types_and_is_shared_by_copies_made_befo
     EXPECT_FALSE(before.has_value(L"p"));
     ASSERT_EQ(before.load_failures.size(), 1u);
     EXPECT_EQ(before.load_failures[0].second, L"point");
+
+    // What the handler throws while libxml2 reads reaches the caller; the values stay.
+    dir.write("bad.xml", "<root><q type=\"int\">1</q><p type=\"point\"><x>a</x></p></root>");
+    EXPECT_THROW(after.load(dir.path("bad.xml")), boost::bad_any_cast);
+    EXPECT_EQ(get<point_t>(after, L"p").y, 4);
+    EXPECT_FALSE(after.has_value(L"q"));
 }
 
 } // namespace
