@@ -87,8 +87,8 @@ std::vector<entry_t> make_entries(std::size_t count) {
             for (std::size_t i = 0; i < per_sub; ++i) {
                 const std::size_t n = entries.size();
                 entry_t entry;
-                entry.key = L"group" + std::to_wstring(g) + L".sub" + std::to_wstring(s) +
-                            L".key" + std::to_wstring(i);
+                entry.key = L"group" + std::to_wstring(g) + L".sub" + std::to_wstring(s) + L".key" +
+                            std::to_wstring(i);
                 entry.narrow_key = "root." + utf8(entry.key);
                 entry.is_int = n % 2 == 0;
                 entry.number = static_cast<int>(n * 104729 % 1000000000);

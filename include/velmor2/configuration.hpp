@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <list>
 #include <map>
 #include <memory>
@@ -18,7 +19,6 @@
 #include <tuple>
 #include <typeinfo>
 #include <utility>
-#include <deque>
 #include <vector>
 
 // libxml2's document and node types; users who write handlers include <libxml/tree.h>.
@@ -287,8 +287,8 @@ class VELMOR_API advanced_xml_config_t {
     /// The value under the lower-cased `key` in the store or a layer below; null if none.
     const boost::any* find_value(const std::wstring& key) const;
     /// The XML text each value would be saved as, by key, for comparing values.
-    std::map<std::wstring, std::string> saved_texts(
-        const std::map<std::wstring, boost::any>& of) const;
+    std::map<std::wstring, std::string>
+    saved_texts(const std::map<std::wstring, boost::any>& of) const;
 
     /// The values under lower-cased keys.
     std::map<std::wstring, boost::any> values;

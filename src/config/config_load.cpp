@@ -10,9 +10,9 @@
 
 #include <libxml/tree.h>
 
+#include <deque>
 #include <string>
 #include <unordered_map>
-#include <deque>
 
 namespace velmor2 {
 
@@ -65,8 +65,7 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
                 if (handler && handler->get_type_name() == wide) {
                     const auto* text_reader =
                         dynamic_cast<const _internal::text_reader_t*>(handler.get());
-                    return &known.emplace(type_name, known_t{handler, text_reader})
-                                .first->second;
+                    return &known.emplace(type_name, known_t{handler, text_reader}).first->second;
                 }
             }
             return nullptr;
@@ -92,9 +91,11 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
 
         void typed_text(const std::string& key, const std::string& type_name,
                         const std::string& text) override {
-            read.push_back({_internal::to_ustring(key), true, {},
-                            handler_for(type_name)->text_reader->value_of_text(
-                                _internal::to_ustring(text))});
+            read.push_back(
+                {_internal::to_ustring(key),
+                 true,
+                 {},
+                 handler_for(type_name)->text_reader->value_of_text(_internal::to_ustring(text))});
         }
 
         // The elements an entity's text holds, walked where the reference stands; their keys

@@ -2,9 +2,9 @@
 //
 // Keys are written in ascending order, each as the element path of its "."-separated pieces.
 // A key with a piece that is not an XML name, a key below one that holds a value or whose
-// element another key made (`x..y` after `x.y`), a value with no handler, and a value whose written content would not read back are reported to
-// on_save_value_failed and left out, so a save never produces a file that load rejects or that
-// loads other values.
+// element another key made (`x..y` after `x.y`), a value with no handler, and a value whose written
+// content would not read back are reported to on_save_value_failed and left out, so a save never
+// produces a file that load rejects or that loads other values.
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"

@@ -6,7 +6,6 @@
 #include "config/store_watch.hpp"
 #include "unicode/convert.hpp"
 
-
 namespace velmor2 {
 namespace {
 

@@ -121,9 +121,9 @@ class stream_t {
         --depth;
     }
 
-    static void start(void* context, const xmlChar* name, const xmlChar* prefix,
-                      const xmlChar* uri, int namespace_count, const xmlChar** namespaces,
-                      int attribute_count, int defaulted_count, const xmlChar** attributes) {
+    static void start(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
+                      int namespace_count, const xmlChar** namespaces, int attribute_count,
+                      int defaulted_count, const xmlChar** attributes) {
         stream_t* stream = own(context);
         const auto build = [&] {
             xmlSAX2StartElementNs(context, name, prefix, uri, namespace_count, namespaces,
@@ -173,8 +173,7 @@ class stream_t {
                visitor.reads_text(type_name);
     }
 
-    static void end(void* context, const xmlChar* name, const xmlChar* prefix,
-                    const xmlChar* uri) {
+    static void end(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
         stream_t* stream = own(context);
         if (stream == nullptr) {
             xmlSAX2EndElementNs(context, name, prefix, uri);
@@ -277,15 +276,14 @@ bool read_typed_elements(const path_t& file, typed_element_visitor_t& visitor) {
     const auto close = [](const int* held) { os::close_xml_file(*held); };
     const std::unique_ptr<const int, decltype(close)> closing(&descriptor, close);
     const quiet_xml_t quiet;
-    const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(
-        xmlNewParserCtxt(), &xmlFreeParserCtxt);
+    const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(xmlNewParserCtxt(),
+                                                                               &xmlFreeParserCtxt);
     if (!context) {
         return false;
     }
     stream_t stream(context.get(), visitor);
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(
-        xmlCtxtReadFd(context.get(), descriptor, nullptr, nullptr, xml_read_options),
-        &xmlFreeDoc);
+        xmlCtxtReadFd(context.get(), descriptor, nullptr, nullptr, xml_read_options), &xmlFreeDoc);
     const bool within_budget = stream.finish();
     return within_budget && doc != nullptr;
 }
