@@ -282,6 +282,8 @@ class VELMOR_API advanced_xml_config_t {
     bool read_file(const path_t& file, std::deque<read_value_t>& read);
     /// `set_value` with the key already lower-cased, taking both.
     void put_value(std::wstring key, boost::any value);
+    /// Builds `index` if it is not built yet.
+    void index_values();
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key` in the store or a layer below; null if none.
@@ -296,7 +298,8 @@ class VELMOR_API advanced_xml_config_t {
     std::list<smart_pointer_t<handler_base_t>> handlers;
     /// Hash index of exactly the entries of `values`, so that look-ups do not walk the tree:
     /// open addressing, a slot holds the key's hash, the key (viewing the entry's own) and the
-    /// entry (null when free).
+    /// entry (null when free). Built by the first `get_value` or `load` and kept from then on:
+    /// a store only filled and saved never needs it, and until then look-ups walk the tree.
     std::vector<
         std::tuple<std::size_t, std::wstring_view, std::pair<const std::wstring, boost::any>*>>
         index;

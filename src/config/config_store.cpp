@@ -52,6 +52,7 @@ advanced_xml_config_t::~advanced_xml_config_t() {
 
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
+    index_values();
     return with_key(name, [&](const std::wstring& key) {
         const boost::any* found = find_value(key);
         return found != nullptr ? *found : default_value;
@@ -63,26 +64,42 @@ void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any
 }
 
 void advanced_xml_config_t::put_value(std::wstring key, boost::any value) {
-    boost::any previous;
-    const std::size_t hash = _internal::key_index::hash_of(key);
     // A key after the last one is new without a look-up: files and loops mostly bring keys
-    // in ascending order.
+    // in ascending order. Otherwise the index finds it, or where nothing was read yet and the
+    // index is not built, the tree search that an insertion makes anyway.
     const bool after_last = values.empty() || values.rbegin()->first < key;
-    auto* entry = after_last ? nullptr : _internal::key_index::find(index, key, hash);
+    const std::size_t hash = index.empty() ? 0 : _internal::key_index::hash_of(key);
+    _internal::key_index::entry_t* entry = nullptr;
+    auto place = values.end();
+    if (!after_last && !index.empty()) {
+        entry = _internal::key_index::find(index, key, hash);
+    } else if (!after_last) {
+        place = values.lower_bound(key);
+        entry = place != values.end() && place->first == key ? &*place : nullptr;
+    }
+    boost::any previous;
     if (entry != nullptr) {
         previous.swap(entry->second);
         entry->second = std::move(value);
     } else {
-        const auto added = values.emplace_hint(values.end(), std::move(key), std::move(value));
-        try {
-            _internal::key_index::add(index, values.size() - 1, hash, &*added);
-        } catch (...) {
-            values.erase(added);
-            throw;
+        const auto added = values.emplace_hint(place, std::move(key), std::move(value));
+        if (!index.empty()) {
+            try {
+                _internal::key_index::add(index, values.size() - 1, hash, &*added);
+            } catch (...) {
+                values.erase(added);
+                throw;
+            }
         }
         entry = &*added;
     }
     value_changed(entry->first, previous, entry->second);
+}
+
+void advanced_xml_config_t::index_values() {
+    if (index.empty() && !values.empty()) {
+        index = _internal::key_index::build(values);
+    }
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
@@ -92,7 +109,11 @@ bool advanced_xml_config_t::has_value(const std::wstring& name) const {
 const boost::any* advanced_xml_config_t::find_value(const std::wstring& key) const {
     const std::size_t hash = _internal::key_index::hash_of(key);
     for (const advanced_xml_config_t* layer = this; layer != nullptr; layer = layer->lower.get()) {
-        if (const auto* found = _internal::key_index::find(layer->index, key, hash)) {
+        if (!layer->index.empty()) {
+            if (const auto* found = _internal::key_index::find(layer->index, key, hash)) {
+                return &found->second;
+            }
+        } else if (const auto found = layer->values.find(key); found != layer->values.end()) {
             return &found->second;
         }
     }
