@@ -7,39 +7,62 @@
 
 #include <velmor2/configuration.hpp>
 
-#include "config/handlers_internal.hpp"
-#include "config/xml_check.hpp"
-#include "unicode/convert.hpp"
-
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace velmor_tool {
 namespace {
 
-using velmor2::_internal::to_utf8;
-using handler_list_t = std::list<velmor2::smart_pointer_t<velmor2::handler_base_t>>;
 using document_t = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
 const xmlChar* xml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-// The built-in handlers that keep a value as the text of its element: the types `set` takes.
-handler_list_t text_handlers() {
-    handler_list_t all, text;
-    velmor2::_internal::add_builtin_handlers(all);
-    for (const auto& handler : all) {
-        if (dynamic_cast<velmor2::_internal::text_writer_t*>(handler.get()) != nullptr) {
-            text.push_back(handler);
-        }
+// The built-in types whose value is the text of its element: the types `set` takes.
+const wchar_t* const text_types[] = {L"bool",          L"int",           L"long",
+                                     L"unsigned long", L"unsigned short", L"unsigned int",
+                                     L"float",         L"double",         L"string",
+                                     L"path_t"};
+
+// Reads and writes a value element through a store's handler for the value's type, as any
+// handler of that store reaches the handlers of other types.
+class value_codec_t : public velmor2::handler_base_t {
+  public:
+    explicit value_codec_t(const velmor2::advanced_xml_config_t& store) { set_parent(&store); }
+
+    // The value of type `type_name` that the content of `element` gives; empty when it does
+    // not convert.
+    boost::any read(xmlNode* element, const std::wstring& type_name) {
+        return get_any_property(element, L".", type_name);
     }
-    return text;
+    // Writes `value` into `element`, as a save would.
+    void write(xmlNode* element, const boost::any& value) const {
+        set_any_property(element, L".", value);
+    }
+
+    // The codec stores no type of its own.
+    boost::any load_value(xmlNode*) override { return boost::any(); }
+    void save_value(const boost::any&, xmlNode*) override {}
+    std::wstring get_type_name() const override { return std::wstring(); }
+    const std::type_info& get_type_info() const override { return typeid(void); }
+};
+
+// `text` lower-cased as the store lower-cases its keys.
+std::wstring key_case(const std::wstring& text) {
+    velmor2::advanced_xml_config_t store;
+    store.set_value(text, boost::any());
+    std::vector<std::wstring> names;
+    store.get_names(names);
+    return names.front();
 }
 
 // Reports the elements a load skips.
@@ -60,16 +83,18 @@ int failure(const std::wstring& message) {
     return exit_failed;
 }
 
-// The levels of `key`, lower-cased, as element names; empty when one is not an element name.
+// The levels of `key`, lower-cased, as element names; empty when one is not an XML name
+// without a colon that the parser takes.
 std::vector<std::string> key_levels(const std::wstring& key) {
+    const std::string lower = to_bytes(key_case(key));
     std::vector<std::string> levels;
     std::size_t start = 0;
-    for (std::size_t dot; (dot = key.find(L'.', start)) != std::wstring::npos; start = dot + 1) {
-        levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start, dot - start))));
+    for (std::size_t dot; (dot = lower.find('.', start)) != std::string::npos; start = dot + 1) {
+        levels.push_back(lower.substr(start, dot - start));
     }
-    levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start))));
+    levels.push_back(lower.substr(start));
     for (const std::string& level : levels) {
-        if (!velmor2::_internal::is_element_name(level)) {
+        if (level.size() > XML_MAX_NAME_LENGTH || xmlValidateNCName(xml(level), 0) != 0) {
             return {};
         }
     }
@@ -93,8 +118,7 @@ bool has_type(xmlNode* node) {
 // Whether `node` is an element that a load files under `level`: keys are lower-cased.
 bool is_level(const xmlNode* node, const std::string& level) {
     return node->type == XML_ELEMENT_NODE &&
-           to_utf8(velmor2::_internal::tolower(
-               velmor2::_internal::to_ustring(reinterpret_cast<const char*>(node->name)))) == level;
+           to_bytes(key_case(from_bytes(reinterpret_cast<const char*>(node->name)))) == level;
 }
 
 // The elements of `levels[depth...]` below `node` that a load reaches (through elements
@@ -171,7 +195,7 @@ xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
             }
         }
         if (next == nullptr && value_in_way) {
-            failure(L"KEY '" + key + L"': level '" + velmor2::_internal::to_ustring(levels[depth]) +
+            failure(L"KEY '" + key + L"': level '" + from_bytes(levels[depth]) +
                     L"' holds a value; file not changed");
             return nullptr;
         }
@@ -199,8 +223,23 @@ xmlDoc* open_document(const std::wstring& name, const velmor2::path_t& file) {
     return doc;
 }
 
+// Whether `doc`, written as a save writes it, parses again: no character XML cannot keep, no
+// element nested deeper or text longer than the parser takes.
+bool reads_back(xmlDoc* doc) {
+    xmlChar* bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(doc, &bytes, &size, "UTF-8", 1);
+    const document_t parsed(bytes == nullptr ? nullptr
+                                             : xmlReadMemory(reinterpret_cast<const char*>(bytes),
+                                                             size, nullptr, nullptr,
+                                                             XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+                            &xmlFreeDoc);
+    xmlFree(bytes);
+    return parsed != nullptr;
+}
+
 int set(const std::wstring& name, const velmor2::path_t& file, const std::wstring& key,
-        const std::wstring& text, velmor2::handler_base_t& handler) {
+        const std::wstring& text, const std::wstring& type) {
     if (!is_unicode(key) || !is_unicode(text)) {
         return failure(L"KEY and VALUE must be valid UTF-8; file not changed");
     }
@@ -214,18 +253,19 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
     if (element == nullptr) {
         return exit_failed;
     }
-    // The handler reads the value from the element's text as a load would.
+    // The store's handler reads the value from the element's text as a load would.
+    const velmor2::advanced_xml_config_t store;
+    value_codec_t codec(store);
     clear_element(element);
-    xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_utf8(text))));
-    const boost::any value = handler.load_value(element);
+    xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_bytes(text))));
+    const boost::any value = codec.read(element, type);
     if (value.empty()) {
-        return usage_error(L"VALUE '" + text + L"' is not of type '" + handler.get_type_name() +
-                           L"'");
+        return usage_error(L"VALUE '" + text + L"' is not of type '" + type + L"'");
     }
     clear_element(element);
-    xmlSetProp(element, xml("type"), xml(to_utf8(handler.get_type_name())));
-    handler.save_value(value, element);
-    if (!velmor2::_internal::is_loadable(element)) {
+    xmlSetProp(element, xml("type"), xml(to_bytes(type)));
+    codec.write(element, value);
+    if (!reads_back(doc.get())) {
         return failure(L"VALUE holds characters XML cannot keep, or KEY is nested too deep; file "
                        L"not changed");
     }
@@ -267,7 +307,6 @@ int read(const std::wstring& action, const std::wstring& name, const velmor2::pa
 }
 
 int run(const std::vector<std::wstring>& args) {
-    const handler_list_t handlers = text_handlers();
     std::vector<std::wstring> positional;
     std::wstring type = L"string";
     bool type_given = false;
@@ -299,13 +338,11 @@ int run(const std::vector<std::wstring>& args) {
     if (type_given && action != L"set") {
         return usage_error(L"--type applies to 'set' only");
     }
-    velmor2::handler_base_t* handler = nullptr;
-    std::wstring known;
-    for (const auto& each : handlers) {
-        handler = handler != nullptr || each->get_type_name() != type ? handler : each.get();
-        known += (known.empty() ? L"" : L", ") + each->get_type_name();
-    }
-    if (handler == nullptr) {
+    if (std::find(std::begin(text_types), std::end(text_types), type) == std::end(text_types)) {
+        std::wstring known;
+        for (const wchar_t* each : text_types) {
+            known += (known.empty() ? L"" : L", ") + std::wstring(each);
+        }
         return usage_error(L"unknown type '" + type + L"'; known types: " + known);
     }
     const velmor2::path_t file = exact_path(L"config", positional[0]);
@@ -313,7 +350,7 @@ int run(const std::vector<std::wstring>& args) {
         return exit_failed;
     }
     if (action == L"set") {
-        return set(positional[0], file, positional[2], positional[3], *handler);
+        return set(positional[0], file, positional[2], positional[3], type);
     }
     return read(action, positional[0], file, wanted == 3 ? positional[2] : std::wstring());
 }
