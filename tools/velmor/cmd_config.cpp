@@ -28,10 +28,12 @@ const xmlChar* xml(const std::string& text) {
 }
 
 // The built-in types whose value is the text of its element: the types `set` takes.
-const wchar_t* const text_types[] = {L"bool",          L"int",           L"long",
-                                     L"unsigned long", L"unsigned short", L"unsigned int",
-                                     L"float",         L"double",         L"string",
-                                     L"path_t"};
+const wchar_t* const text_types[] = {L"bool",           L"int",          L"long",  L"unsigned long",
+                                     L"unsigned short", L"unsigned int", L"float", L"double",
+                                     L"string",         L"path_t"};
+
+// The deepest element, the root counting as 1, whose value a store's save still writes.
+constexpr std::size_t max_value_depth = 256;
 
 // Reads and writes a value element through a store's handler for the value's type, as any
 // handler of that store reaches the handlers of other types.
@@ -56,14 +58,28 @@ class value_codec_t : public velmor2::handler_base_t {
     const std::type_info& get_type_info() const override { return typeid(void); }
 };
 
-// `text` lower-cased as the store lower-cases its keys.
-std::wstring key_case(const std::wstring& text) {
-    velmor2::advanced_xml_config_t store;
-    store.set_value(text, boost::any());
-    std::vector<std::wstring> names;
-    store.get_names(names);
-    return names.front();
-}
+// One level of a key, held as the one key of a store, which lower-cases it and compares
+// element names with it as a load does.
+class key_level_t {
+  public:
+    explicit key_level_t(const std::wstring& level) {
+        keys.set_value(level, boost::any());
+        std::vector<std::wstring> names;
+        keys.get_names(names);
+        name = to_bytes(names.front());
+    }
+    // Whether `node` is an element that a load files under the level.
+    bool holds(const xmlNode* node) const {
+        return node->type == XML_ELEMENT_NODE &&
+               keys.has_value(from_bytes(reinterpret_cast<const char*>(node->name)));
+    }
+
+    // The level lower-cased, as the name of its element.
+    std::string name;
+
+  private:
+    velmor2::advanced_xml_config_t keys;
+};
 
 // Reports the elements a load skips.
 struct reporting_store_t : velmor2::advanced_xml_config_t {
@@ -85,16 +101,12 @@ int failure(const std::wstring& message) {
 
 // The levels of `key`, lower-cased, as element names; empty when one is not an XML name
 // without a colon that the parser takes.
-std::vector<std::string> key_levels(const std::wstring& key) {
-    const std::string lower = to_bytes(key_case(key));
-    std::vector<std::string> levels;
-    std::size_t start = 0;
-    for (std::size_t dot; (dot = lower.find('.', start)) != std::string::npos; start = dot + 1) {
-        levels.push_back(lower.substr(start, dot - start));
-    }
-    levels.push_back(lower.substr(start));
-    for (const std::string& level : levels) {
-        if (level.size() > XML_MAX_NAME_LENGTH || xmlValidateNCName(xml(level), 0) != 0) {
+std::vector<key_level_t> key_levels(const std::wstring& key) {
+    std::vector<key_level_t> levels;
+    for (std::size_t start = 0, end; start <= key.size(); start = end + 1) {
+        end = std::min(key.find(L'.', start), key.size());
+        const std::string& name = levels.emplace_back(key.substr(start, end - start)).name;
+        if (name.size() > XML_MAX_NAME_LENGTH || xmlValidateNCName(xml(name), 0) != 0) {
             return {};
         }
     }
@@ -115,18 +127,12 @@ bool has_type(xmlNode* node) {
     return xmlHasProp(node, xml("type")) != nullptr;
 }
 
-// Whether `node` is an element that a load files under `level`: keys are lower-cased.
-bool is_level(const xmlNode* node, const std::string& level) {
-    return node->type == XML_ELEMENT_NODE &&
-           to_bytes(key_case(from_bytes(reinterpret_cast<const char*>(node->name)))) == level;
-}
-
 // The elements of `levels[depth...]` below `node` that a load reaches (through elements
 // without a type), in document order.
-void find_elements(xmlNode* node, const std::vector<std::string>& levels, std::size_t depth,
+void find_elements(xmlNode* node, const std::vector<key_level_t>& levels, std::size_t depth,
                    std::vector<xmlNode*>& found) {
     for (xmlNode* child = node->children; child != nullptr; child = child->next) {
-        if (!is_level(child, levels[depth])) {
+        if (!levels[depth].holds(child)) {
             continue;
         }
         if (depth + 1 == levels.size()) {
@@ -172,7 +178,7 @@ xmlNode* append_element(xmlNode* parent, const std::string& name, std::size_t de
 // levels it lacks when there is none; null, after a message, when a value or a group is in
 // the way.
 xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
-                       const std::vector<std::string>& levels) {
+                       const std::vector<key_level_t>& levels) {
     xmlNode* node = xmlDocGetRootElement(doc);
     std::vector<xmlNode*> found;
     find_elements(node, levels, 0, found);
@@ -189,17 +195,17 @@ xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
         xmlNode* next = nullptr;
         bool value_in_way = false;
         for (xmlNode* child = node->children; child != nullptr; child = child->next) {
-            if (is_level(child, levels[depth])) {
+            if (levels[depth].holds(child)) {
                 value_in_way = value_in_way || has_type(child);
                 next = has_type(child) ? next : child;
             }
         }
         if (next == nullptr && value_in_way) {
-            failure(L"KEY '" + key + L"': level '" + from_bytes(levels[depth]) +
+            failure(L"KEY '" + key + L"': level '" + from_bytes(levels[depth].name) +
                     L"' holds a value; file not changed");
             return nullptr;
         }
-        node = next != nullptr ? next : append_element(node, levels[depth], depth);
+        node = next != nullptr ? next : append_element(node, levels[depth].name, depth);
     }
     return node;
 }
@@ -229,10 +235,10 @@ bool reads_back(xmlDoc* doc) {
     xmlChar* bytes = nullptr;
     int size = 0;
     xmlDocDumpFormatMemoryEnc(doc, &bytes, &size, "UTF-8", 1);
-    const document_t parsed(bytes == nullptr ? nullptr
-                                             : xmlReadMemory(reinterpret_cast<const char*>(bytes),
-                                                             size, nullptr, nullptr,
-                                                             XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+    const document_t parsed(bytes == nullptr
+                                ? nullptr
+                                : xmlReadMemory(reinterpret_cast<const char*>(bytes), size, nullptr,
+                                                nullptr, XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
                             &xmlFreeDoc);
     xmlFree(bytes);
     return parsed != nullptr;
@@ -243,7 +249,7 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
     if (!is_unicode(key) || !is_unicode(text)) {
         return failure(L"KEY and VALUE must be valid UTF-8; file not changed");
     }
-    const std::vector<std::string> levels = key_levels(key);
+    const std::vector<key_level_t> levels = key_levels(key);
     if (levels.empty()) {
         return failure(L"KEY '" + key +
                        L"': each level must be an XML name without ':'; file not changed");
@@ -265,7 +271,7 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
     clear_element(element);
     xmlSetProp(element, xml("type"), xml(to_bytes(type)));
     codec.write(element, value);
-    if (!reads_back(doc.get())) {
+    if (levels.size() >= max_value_depth || !reads_back(doc.get())) {
         return failure(L"VALUE holds characters XML cannot keep, or KEY is nested too deep; file "
                        L"not changed");
     }

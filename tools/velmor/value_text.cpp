@@ -104,5 +104,4 @@ std::pair<std::wstring, std::wstring> describe_value(const boost::any& value) {
     return {L"(unknown)", L""};
 }
 
-
 } // namespace velmor_tool

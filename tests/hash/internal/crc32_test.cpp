@@ -41,12 +41,13 @@ TEST(crc32, engines_agree_with_the_check_value_and_bitwise_at_every_length_and_a
             const std::string bytes(data.begin() + offset, data.begin() + offset + length);
             const std::uint32_t expected = bitwise_crc(bytes);
             const std::uint8_t* p = data.data() + offset;
-            for (const auto engine : {_internal::crc32_update_portable,
-                                      _internal::crc32_update_pclmul, _internal::crc32_update_isal}) {
+            for (const auto engine :
+                 {_internal::crc32_update_portable, _internal::crc32_update_pclmul,
+                  _internal::crc32_update_isal}) {
                 ASSERT_EQ(engine(0xFFFFFFFF, p, length) ^ 0xFFFFFFFF, expected);
             }
-            ASSERT_EQ(update_hash(update_hash(0, p, length / 2), p + length / 2, length - length / 2),
-                      expected);
+            const std::size_t half = length / 2;
+            ASSERT_EQ(update_hash(update_hash(0, p, half), p + half, length - half), expected);
         }
     }
 }
