@@ -8,6 +8,8 @@ cd "$(dirname "$0")/.."
 build=build/package
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
+# The end-to-end test also runs the unpacked tool as an ordinary user, who must reach its library.
+chmod 755 "$prefix"
 
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DVELMOR_BUILD_TESTS=OFF >/dev/null
 cmake --build "$build" --parallel "$(nproc)" >/dev/null
