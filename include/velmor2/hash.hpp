@@ -76,4 +76,11 @@ VELMOR_API unsigned long generate_hash(const std::wstring& text);
 /// A read error ends the hash where it happened.
 VELMOR_API unsigned long generate_hash(const path_t& file, std::size_t chunk_size = 65536);
 
+/// Continues the CRC-32 `crc` of the bytes before (0 when there were none) over the `size` bytes
+/// at `data`, for bytes that arrive in pieces, from a pipe say:
+///
+///   update_hash(0, "123456789", 9)                      => 0xCBF43926
+///   update_hash(update_hash(0, "1234", 4), "56789", 5)  => 0xCBF43926
+VELMOR_API unsigned long update_hash(unsigned long crc, const void* data, std::size_t size);
+
 } // namespace velmor2

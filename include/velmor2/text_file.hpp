@@ -4,6 +4,7 @@
 #include <velmor2/export.hpp>
 #include <velmor2/path.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -30,6 +31,10 @@ enum code_page_t : std::int32_t {
 ///   FE FF ... (big-endian mark)    => cp_ansi unless the bytes happen to be valid UTF-8
 VELMOR_API code_page_t get_file_cp(const path_t& file);
 
+/// The encoding `get_file_cp` detects in a file holding the `size` bytes at `bytes`, for bytes
+/// that come from elsewhere (a pipe, say): `cp_ansi` when `size` is 0.
+VELMOR_API code_page_t get_bytes_cp(const char* bytes, std::size_t size);
+
 /// The whole file decoded as `cp`, up to its first zero character; empty on any failure. A
 /// byte-order mark is kept: a `cp_utf16` file yields U+FEFF first. `cp_unknown` and values
 /// out of range decode as `cp_ansi`.
@@ -39,6 +44,9 @@ VELMOR_API std::wstring get_file_content(code_page_t cp, const path_t& file);
 /// nothing else writes a mark; `cp_unknown` and values out of range write ANSI). False when the
 /// file cannot be opened or a write fails, which may leave it truncated.
 VELMOR_API bool set_file_content(const std::wstring& text, code_page_t cp, const path_t& file);
+
+/// The bytes `set_file_content` writes for `text` in `cp`, for output that is not a file.
+VELMOR_API std::string encode_text(const std::wstring& text, code_page_t cp);
 
 /// The XML file's text after its declaration (everything up to the first `?>`), in the
 /// detected encoding; empty when the declaration does not name that encoding:

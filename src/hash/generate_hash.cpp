@@ -1,4 +1,4 @@
-// CRC-32 of wide strings and files.
+// CRC-32 of wide strings, files and bytes in pieces.
 #include <velmor2/hash.hpp>
 
 #include "hash/crc32.hpp"
@@ -26,6 +26,12 @@ unsigned long generate_hash(const path_t& file, std::size_t chunk_size) {
                                                 crc = _internal::crc32_update(crc, bytes, size);
                                             });
     return end == _internal::chunks_end_t::not_opened ? 0 : crc ^ 0xFFFFFFFF;
+}
+
+unsigned long update_hash(unsigned long crc, const void* data, std::size_t size) {
+    return _internal::crc32_update(static_cast<std::uint32_t>(crc) ^ 0xFFFFFFFF,
+                                   static_cast<const std::uint8_t*>(data), size) ^
+           0xFFFFFFFF;
 }
 
 } // namespace velmor2

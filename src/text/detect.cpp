@@ -39,14 +39,6 @@ bool sequences_valid(const char* p, std::size_t count, std::size_t stop) {
 
 } // namespace
 
-code_page_t detect_code_page(const char* bytes, std::size_t size) {
-    if (starts_with_utf16_mark(bytes, size)) {
-        return cp_utf16;
-    }
-    // The scan stops one byte short: a lone last byte is never examined.
-    return sequences_valid(bytes, size, size - 1) ? cp_utf8 : cp_ansi;
-}
-
 code_page_t detect_file_code_page(const path_t& file, std::size_t chunk_size) {
     os::data_file_t stream;
     std::uint64_t size = 0;
@@ -106,6 +98,17 @@ namespace velmor2 {
 
 code_page_t get_file_cp(const path_t& file) {
     return _internal::detect_file_code_page(file, _internal::default_chunk_size);
+}
+
+code_page_t get_bytes_cp(const char* bytes, std::size_t size) {
+    if (size == 0) {
+        return cp_ansi;
+    }
+    if (_internal::starts_with_utf16_mark(bytes, size)) {
+        return cp_utf16;
+    }
+    // The scan stops one byte short: a lone last byte is never examined.
+    return _internal::sequences_valid(bytes, size, size - 1) ? cp_utf8 : cp_ansi;
 }
 
 } // namespace velmor2

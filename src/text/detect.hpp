@@ -1,4 +1,4 @@
-// Encoding detection of bytes in memory and of files read in chunks.
+// Encoding detection of files read in chunks.
 #pragma once
 
 #include <velmor2/path.hpp>
@@ -7,9 +7,6 @@
 #include <cstddef>
 
 namespace velmor2::_internal {
-
-/// The encoding of a whole file's `size` bytes (`size` > 0) held in memory.
-code_page_t detect_code_page(const char* bytes, std::size_t size);
 
 /// `get_file_cp`, reading the file `chunk_size` bytes at a time (at least one).
 code_page_t detect_file_code_page(const path_t& file, std::size_t chunk_size);

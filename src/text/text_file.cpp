@@ -3,8 +3,6 @@
 
 #include "os/ansi.hpp"
 #include "os/data_file.hpp"
-#include "text/detect.hpp"
-#include "text/encode.hpp"
 #include "unicode/convert.hpp"
 
 #include <algorithm>
@@ -13,14 +11,12 @@
 
 namespace velmor2 {
 
-namespace _internal {
-
 std::string encode_text(const std::wstring& text, code_page_t cp) {
     switch (cp) {
     case cp_utf8:
-        return to_utf8(text);
+        return _internal::to_utf8(text);
     case cp_utf16: {
-        const std::u16string units = to_utf16(text);
+        const std::u16string units = _internal::to_utf16(text);
         std::string bytes = "\xFF\xFE";
         bytes.reserve(2 + units.size() * 2);
         for (const char16_t unit : units) {
@@ -30,11 +26,9 @@ std::string encode_text(const std::wstring& text, code_page_t cp) {
         return bytes;
     }
     default:
-        return os::to_ansi(text);
+        return _internal::os::to_ansi(text);
     }
 }
-
-} // namespace _internal
 
 namespace {
 
@@ -95,7 +89,7 @@ std::wstring get_file_content(code_page_t cp, const path_t& file) {
 }
 
 bool set_file_content(const std::wstring& text, code_page_t cp, const path_t& file) {
-    const std::string bytes = _internal::encode_text(text, cp);
+    const std::string bytes = encode_text(text, cp);
     _internal::os::data_file_t stream;
     return stream.open_write(file.as_string()) && stream.write(bytes.data(), bytes.size());
 }
@@ -106,7 +100,7 @@ std::wstring get_xml_file_content(const path_t& file) {
     if (!read_file(file, bytes, size) || size == 0) {
         return {};
     }
-    const code_page_t cp = _internal::detect_code_page(bytes.data(), size);
+    const code_page_t cp = get_bytes_cp(bytes.data(), size);
     std::wstring content = decode(cp, bytes);
     const std::size_t pos = content.find(declaration_end);
     if (pos == std::wstring::npos) {

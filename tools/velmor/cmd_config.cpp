@@ -7,40 +7,79 @@
 
 #include <velmor2/configuration.hpp>
 
-#include "config/handlers_internal.hpp"
-#include "config/xml_check.hpp"
-#include "unicode/convert.hpp"
-
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace velmor_tool {
 namespace {
 
-using velmor2::_internal::to_utf8;
-using handler_list_t = std::list<velmor2::smart_pointer_t<velmor2::handler_base_t>>;
 using document_t = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
 const xmlChar* xml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-// The built-in handlers that keep a value as the text of its element: the types `set` takes.
-handler_list_t text_handlers() {
-    handler_list_t all, text;
-    velmor2::_internal::add_builtin_handlers(all);
-    for (const auto& handler : all) {
-        if (dynamic_cast<velmor2::_internal::text_writer_t*>(handler.get()) != nullptr) {
-            text.push_back(handler);
-        }
+// The built-in types whose value is the text of its element: the types `set` takes.
+const wchar_t* const text_types[] = {L"bool",           L"int",          L"long",  L"unsigned long",
+                                     L"unsigned short", L"unsigned int", L"float", L"double",
+                                     L"string",         L"path_t"};
+
+// The deepest element, the root counting as 1, whose value a store's save still writes.
+constexpr std::size_t max_value_depth = 256;
+
+// Reads and writes a value element through a store's handler for the value's type, as any
+// handler of that store reaches the handlers of other types.
+class value_codec_t : public velmor2::handler_base_t {
+  public:
+    explicit value_codec_t(const velmor2::advanced_xml_config_t& store) { set_parent(&store); }
+
+    // The value of type `type_name` that the content of `element` gives; empty when it does
+    // not convert.
+    boost::any read(xmlNode* element, const std::wstring& type_name) {
+        return get_any_property(element, L".", type_name);
     }
-    return text;
-}
+    // Writes `value` into `element`, as a save would.
+    void write(xmlNode* element, const boost::any& value) const {
+        set_any_property(element, L".", value);
+    }
+
+    // The codec stores no type of its own.
+    boost::any load_value(xmlNode*) override { return boost::any(); }
+    void save_value(const boost::any&, xmlNode*) override {}
+    std::wstring get_type_name() const override { return std::wstring(); }
+    const std::type_info& get_type_info() const override { return typeid(void); }
+};
+
+// One level of a key, held as the one key of a store, which lower-cases it and compares
+// element names with it as a load does.
+class key_level_t {
+  public:
+    explicit key_level_t(const std::wstring& level) {
+        keys.set_value(level, boost::any());
+        std::vector<std::wstring> names;
+        keys.get_names(names);
+        name = to_bytes(names.front());
+    }
+    // Whether `node` is an element that a load files under the level.
+    bool holds(const xmlNode* node) const {
+        return node->type == XML_ELEMENT_NODE &&
+               keys.has_value(from_bytes(reinterpret_cast<const char*>(node->name)));
+    }
+
+    // The level lower-cased, as the name of its element.
+    std::string name;
+
+  private:
+    velmor2::advanced_xml_config_t keys;
+};
 
 // Reports the elements a load skips.
 struct reporting_store_t : velmor2::advanced_xml_config_t {
@@ -60,16 +99,14 @@ int failure(const std::wstring& message) {
     return exit_failed;
 }
 
-// The levels of `key`, lower-cased, as element names; empty when one is not an element name.
-std::vector<std::string> key_levels(const std::wstring& key) {
-    std::vector<std::string> levels;
-    std::size_t start = 0;
-    for (std::size_t dot; (dot = key.find(L'.', start)) != std::wstring::npos; start = dot + 1) {
-        levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start, dot - start))));
-    }
-    levels.push_back(to_utf8(velmor2::_internal::tolower(key.substr(start))));
-    for (const std::string& level : levels) {
-        if (!velmor2::_internal::is_element_name(level)) {
+// The levels of `key`, lower-cased, as element names; empty when one is not an XML name
+// without a colon that the parser takes.
+std::vector<key_level_t> key_levels(const std::wstring& key) {
+    std::vector<key_level_t> levels;
+    for (std::size_t start = 0, end; start <= key.size(); start = end + 1) {
+        end = std::min(key.find(L'.', start), key.size());
+        const std::string& name = levels.emplace_back(key.substr(start, end - start)).name;
+        if (name.size() > XML_MAX_NAME_LENGTH || xmlValidateNCName(xml(name), 0) != 0) {
             return {};
         }
     }
@@ -90,19 +127,12 @@ bool has_type(xmlNode* node) {
     return xmlHasProp(node, xml("type")) != nullptr;
 }
 
-// Whether `node` is an element that a load files under `level`: keys are lower-cased.
-bool is_level(const xmlNode* node, const std::string& level) {
-    return node->type == XML_ELEMENT_NODE &&
-           to_utf8(velmor2::_internal::tolower(
-               velmor2::_internal::to_ustring(reinterpret_cast<const char*>(node->name)))) == level;
-}
-
 // The elements of `levels[depth...]` below `node` that a load reaches (through elements
 // without a type), in document order.
-void find_elements(xmlNode* node, const std::vector<std::string>& levels, std::size_t depth,
+void find_elements(xmlNode* node, const std::vector<key_level_t>& levels, std::size_t depth,
                    std::vector<xmlNode*>& found) {
     for (xmlNode* child = node->children; child != nullptr; child = child->next) {
-        if (!is_level(child, levels[depth])) {
+        if (!levels[depth].holds(child)) {
             continue;
         }
         if (depth + 1 == levels.size()) {
@@ -148,7 +178,7 @@ xmlNode* append_element(xmlNode* parent, const std::string& name, std::size_t de
 // levels it lacks when there is none; null, after a message, when a value or a group is in
 // the way.
 xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
-                       const std::vector<std::string>& levels) {
+                       const std::vector<key_level_t>& levels) {
     xmlNode* node = xmlDocGetRootElement(doc);
     std::vector<xmlNode*> found;
     find_elements(node, levels, 0, found);
@@ -165,17 +195,17 @@ xmlNode* value_element(xmlDoc* doc, const std::wstring& key,
         xmlNode* next = nullptr;
         bool value_in_way = false;
         for (xmlNode* child = node->children; child != nullptr; child = child->next) {
-            if (is_level(child, levels[depth])) {
+            if (levels[depth].holds(child)) {
                 value_in_way = value_in_way || has_type(child);
                 next = has_type(child) ? next : child;
             }
         }
         if (next == nullptr && value_in_way) {
-            failure(L"KEY '" + key + L"': level '" + velmor2::_internal::to_ustring(levels[depth]) +
+            failure(L"KEY '" + key + L"': level '" + from_bytes(levels[depth].name) +
                     L"' holds a value; file not changed");
             return nullptr;
         }
-        node = next != nullptr ? next : append_element(node, levels[depth], depth);
+        node = next != nullptr ? next : append_element(node, levels[depth].name, depth);
     }
     return node;
 }
@@ -199,12 +229,27 @@ xmlDoc* open_document(const std::wstring& name, const velmor2::path_t& file) {
     return doc;
 }
 
+// Whether `doc`, written as a save writes it, parses again: no character XML cannot keep, no
+// element nested deeper or text longer than the parser takes.
+bool reads_back(xmlDoc* doc) {
+    xmlChar* bytes = nullptr;
+    int size = 0;
+    xmlDocDumpFormatMemoryEnc(doc, &bytes, &size, "UTF-8", 1);
+    const document_t parsed(bytes == nullptr
+                                ? nullptr
+                                : xmlReadMemory(reinterpret_cast<const char*>(bytes), size, nullptr,
+                                                nullptr, XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+                            &xmlFreeDoc);
+    xmlFree(bytes);
+    return parsed != nullptr;
+}
+
 int set(const std::wstring& name, const velmor2::path_t& file, const std::wstring& key,
-        const std::wstring& text, velmor2::handler_base_t& handler) {
+        const std::wstring& text, const std::wstring& type) {
     if (!is_unicode(key) || !is_unicode(text)) {
         return failure(L"KEY and VALUE must be valid UTF-8; file not changed");
     }
-    const std::vector<std::string> levels = key_levels(key);
+    const std::vector<key_level_t> levels = key_levels(key);
     if (levels.empty()) {
         return failure(L"KEY '" + key +
                        L"': each level must be an XML name without ':'; file not changed");
@@ -214,18 +259,19 @@ int set(const std::wstring& name, const velmor2::path_t& file, const std::wstrin
     if (element == nullptr) {
         return exit_failed;
     }
-    // The handler reads the value from the element's text as a load would.
+    // The store's handler reads the value from the element's text as a load would.
+    const velmor2::advanced_xml_config_t store;
+    value_codec_t codec(store);
     clear_element(element);
-    xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_utf8(text))));
-    const boost::any value = handler.load_value(element);
+    xmlAddChild(element, xmlNewDocText(doc.get(), xml(to_bytes(text))));
+    const boost::any value = codec.read(element, type);
     if (value.empty()) {
-        return usage_error(L"VALUE '" + text + L"' is not of type '" + handler.get_type_name() +
-                           L"'");
+        return usage_error(L"VALUE '" + text + L"' is not of type '" + type + L"'");
     }
     clear_element(element);
-    xmlSetProp(element, xml("type"), xml(to_utf8(handler.get_type_name())));
-    handler.save_value(value, element);
-    if (!velmor2::_internal::is_loadable(element)) {
+    xmlSetProp(element, xml("type"), xml(to_bytes(type)));
+    codec.write(element, value);
+    if (levels.size() >= max_value_depth || !reads_back(doc.get())) {
         return failure(L"VALUE holds characters XML cannot keep, or KEY is nested too deep; file "
                        L"not changed");
     }
@@ -267,7 +313,6 @@ int read(const std::wstring& action, const std::wstring& name, const velmor2::pa
 }
 
 int run(const std::vector<std::wstring>& args) {
-    const handler_list_t handlers = text_handlers();
     std::vector<std::wstring> positional;
     std::wstring type = L"string";
     bool type_given = false;
@@ -299,13 +344,11 @@ int run(const std::vector<std::wstring>& args) {
     if (type_given && action != L"set") {
         return usage_error(L"--type applies to 'set' only");
     }
-    velmor2::handler_base_t* handler = nullptr;
-    std::wstring known;
-    for (const auto& each : handlers) {
-        handler = handler != nullptr || each->get_type_name() != type ? handler : each.get();
-        known += (known.empty() ? L"" : L", ") + each->get_type_name();
-    }
-    if (handler == nullptr) {
+    if (std::find(std::begin(text_types), std::end(text_types), type) == std::end(text_types)) {
+        std::wstring known;
+        for (const wchar_t* each : text_types) {
+            known += (known.empty() ? L"" : L", ") + std::wstring(each);
+        }
         return usage_error(L"unknown type '" + type + L"'; known types: " + known);
     }
     const velmor2::path_t file = exact_path(L"config", positional[0]);
@@ -313,7 +356,7 @@ int run(const std::vector<std::wstring>& args) {
         return exit_failed;
     }
     if (action == L"set") {
-        return set(positional[0], file, positional[2], positional[3], *handler);
+        return set(positional[0], file, positional[2], positional[3], type);
     }
     return read(action, positional[0], file, wanted == 3 ? positional[2] : std::wstring());
 }

@@ -3,9 +3,8 @@
 #include "file_arguments.hpp"
 #include "files.hpp"
 
-#include "hash/crc32.hpp"
+#include <velmor2/hash.hpp>
 
-#include <cstdint>
 #include <cwchar>
 
 namespace velmor_tool {
@@ -13,19 +12,18 @@ namespace {
 
 class crc32_summary_t : public file_summary_t {
   public:
-    void start() override { crc = 0xFFFFFFFFu; }
+    void start() override { crc = 0; }
     void take(const char* data, std::size_t size) override {
-        crc = velmor2::_internal::crc32_update(crc, reinterpret_cast<const std::uint8_t*>(data),
-                                               size);
+        crc = velmor2::update_hash(crc, data, size);
     }
     std::wstring result() override {
         wchar_t hex[9];
-        std::swprintf(hex, 9, L"%08lx", static_cast<unsigned long>(~crc & 0xFFFFFFFFu));
+        std::swprintf(hex, 9, L"%08lx", crc);
         return hex;
     }
 
   private:
-    std::uint32_t crc = 0xFFFFFFFFu;
+    unsigned long crc = 0;
 };
 
 int run(const std::vector<std::wstring>& args) {

@@ -6,9 +6,6 @@
 
 #include <velmor2/text_file.hpp>
 
-#include "text/detect.hpp"
-#include "text/encode.hpp"
-
 #include <cerrno>
 #include <cstdio>
 
@@ -20,10 +17,7 @@ class code_page_summary_t : public file_summary_t {
     void start() override { bytes.clear(); }
     void take(const char* data, std::size_t size) override { bytes.append(data, size); }
     std::wstring result() override {
-        // An empty file holds no character that would need another encoding.
-        return code_page_name(
-            bytes.empty() ? velmor2::cp_ansi
-                          : velmor2::_internal::detect_code_page(bytes.data(), bytes.size()));
+        return code_page_name(velmor2::get_bytes_cp(bytes.data(), bytes.size()));
     }
 
   private:
@@ -99,7 +93,7 @@ int convert(const std::vector<std::wstring>& args) {
     if (!text.empty() && text[0] == L'\uFEFF') {
         text.erase(0, 1);
     }
-    const std::string bytes = velmor2::_internal::encode_text(text, to);
+    const std::string bytes = velmor2::encode_text(text, to);
     if (have_output && !write_file(output, bytes)) {
         report(L"text convert", output, reason(errno));
         return exit_failed;

@@ -3,8 +3,6 @@
 #include "files.hpp"
 #include "native_text.hpp"
 
-#include "unicode/convert.hpp"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -50,9 +48,9 @@ int finish(const std::wstring& command, int status) {
 void print_help(void (*print)(const std::wstring&)) {
     print(L"usage: velmor COMMAND [ARGS...]\n       velmor COMMAND --help\n\ncommands:\n");
     for (const command_t& command : commands()) {
-        std::wstring name = velmor2::_internal::to_ustring(command.name);
+        std::wstring name = from_bytes(command.name);
         name.resize(std::max<std::size_t>(name.size(), 8), L' ');
-        print(L"  " + name + L"  " + velmor2::_internal::to_ustring(command.summary) + L"\n");
+        print(L"  " + name + L"  " + from_bytes(command.summary) + L"\n");
     }
 }
 
@@ -109,13 +107,13 @@ int main(int argc, char** argv) {
         return finish(L"velmor", exit_ok);
     }
     for (const command_t& command : commands()) {
-        const std::wstring name = velmor2::_internal::to_ustring(command.name);
+        const std::wstring name = from_bytes(command.name);
         if (name != args[0]) {
             continue;
         }
         args.erase(args.begin());
         if (!args.empty() && (args[0] == L"--help" || args[0] == L"-h")) {
-            out(velmor2::_internal::to_ustring(command.usage));
+            out(from_bytes(command.usage));
             return finish(L"velmor " + name, exit_ok);
         }
         return finish(L"velmor " + name, command.run(args));

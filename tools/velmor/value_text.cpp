@@ -3,16 +3,31 @@
 
 #include <velmor2/path.hpp>
 
-#include "config/number_text.hpp"
-
+#include <charconv>
 #include <list>
 #include <map>
+#include <type_traits>
 #include <vector>
 
 namespace velmor_tool {
 namespace {
 
-using velmor2::_internal::format_number;
+// A number as configuration files write it: the classic "C" form, "0" or "1" for a bool, six
+// significant digits for float and double.
+template <typename T> std::wstring format_number(T value) {
+    if constexpr (std::is_same_v<T, bool>) {
+        return value ? L"1" : L"0";
+    } else {
+        char text[64];
+        std::to_chars_result end;
+        if constexpr (std::is_floating_point_v<T>) {
+            end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 6);
+        } else {
+            end = std::to_chars(text, text + sizeof text, value);
+        }
+        return std::wstring(text, end.ptr);
+    }
+}
 
 template <typename T> bool holds(const boost::any& value) {
     return boost::any_cast<T>(&value) != nullptr;
@@ -88,6 +103,5 @@ std::pair<std::wstring, std::wstring> describe_value(const boost::any& value) {
     }
     return {L"(unknown)", L""};
 }
-
 
 } // namespace velmor_tool
