@@ -26,8 +26,8 @@ int open_file(const std::wstring& printed, int flags) {
         return -1;
     }
     struct stat st;
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
+    if (fs_calls().fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        fs_calls().close(fd);
         return -1;
     }
     return fd;
@@ -52,7 +52,7 @@ bool read_fd(int fd, char* out, std::size_t size, std::size_t& got) {
 
 data_file_t::~data_file_t() {
     if (handle_ >= 0) {
-        ::close(static_cast<int>(handle_));
+        fs_calls().close(static_cast<int>(handle_));
     }
 }
 
@@ -68,7 +68,7 @@ bool data_file_t::open_write(const std::wstring& printed) {
 
 bool data_file_t::size(std::uint64_t& bytes) {
     struct stat st;
-    if (handle_ < 0 || ::fstat(static_cast<int>(handle_), &st) != 0) {
+    if (handle_ < 0 || fs_calls().fstat(static_cast<int>(handle_), &st) != 0) {
         return false;
     }
     if (st.st_size == 0 && read_ahead_.empty() && served_ == 0) {

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -20,45 +19,6 @@ namespace {
 
 constexpr mode_t write_bits = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr int directory_flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-int open_call(const char* path, int flags, mode_t mode) {
-    return ::open(path, flags, mode);
-}
-
-int openat_call(int dir, const char* name, int flags, mode_t mode) {
-    return ::openat(dir, name, flags, mode);
-}
-
-int rename_no_replace(const char* from, const char* to) {
-#ifdef RENAME_NOREPLACE
-    if (::renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) {
-        return 0;
-    }
-    // File systems without the flag answer EINVAL; the caller has checked the target already.
-    if (errno != EINVAL && errno != ENOSYS) {
-        return -1;
-    }
-#endif
-    return ::rename(from, to);
-}
-
-
-} // namespace
-
-bool write_all(int fd, const void* bytes, std::size_t size) {
-    const char* data = static_cast<const char*>(bytes);
-    while (size > 0) {
-        const ssize_t written = retry_interrupted([&] { return fs_calls().write(fd, data, size); });
-        if (written < 0) {
-            return false;
-        }
-        data += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
-namespace {
 
 // The buffer fits the file, up to a limit: a tree of small files is copied without clearing a
 // large buffer for each.
@@ -84,7 +44,7 @@ bool fill_copy(int in, const struct stat& st, fd_t& out) {
         return false;
     }
     const struct timespec times[2] = {st.st_atim, st.st_mtim};
-    if (::fchmod(out.get(), st.st_mode & 0777) != 0 || ::futimens(out.get(), times) != 0) {
+    if (fs_calls().fchmod(out.get(), st.st_mode & 0777) != 0 || fs_calls().futimens(out.get(), times) != 0) {
         return false;
     }
     return out.close();
@@ -99,7 +59,7 @@ bool copy_regular(int from, const char* name, int to, const char* to_name, int l
         return false;
     }
     struct stat st;
-    if (::fstat(in.get(), &st) != 0) {
+    if (fs_calls().fstat(in.get(), &st) != 0) {
         return false;
     }
     if (!S_ISREG(st.st_mode)) {
@@ -115,7 +75,7 @@ bool copy_regular(int from, const char* name, int to, const char* to_name, int l
         return true;
     }
     const int saved = errno;
-    ::unlinkat(to, to_name, 0);
+    fs_calls().unlinkat(to, to_name, 0);
     errno = saved;
     return false;
 }
@@ -132,18 +92,6 @@ entry_type_t type_of_mode(mode_t mode) {
 }
 
 } // namespace
-
-fs_calls_t& fs_calls() {
-    static fs_calls_t calls = real_fs_calls();
-    return calls;
-}
-
-const fs_calls_t& real_fs_calls() {
-    static const fs_calls_t calls = {::mkdir,    ::rmdir,     ::unlink, rename_no_replace,
-                                     open_call,  ::read,      ::write,  ::mkdirat,
-                                     ::unlinkat, openat_call, ::fsync,  ::rename};
-    return calls;
-}
 
 bool create_directory(const std::wstring& text, error_kind_t& error) {
     const std::string native = native_bytes(text);
@@ -166,7 +114,7 @@ bool remove_directory(const std::wstring& text) {
 bool delete_file(const std::wstring& text) {
     const std::string native = native_bytes(text);
     struct stat st;
-    if (::lstat(native.c_str(), &st) != 0) {
+    if (fs_calls().lstat(native.c_str(), &st) != 0) {
         return false;
     }
     if (S_ISDIR(st.st_mode)) {
@@ -182,12 +130,12 @@ bool delete_file(const std::wstring& text) {
 
 bool entry_exists(const std::wstring& text) {
     struct stat st;
-    return ::lstat(native_bytes(text).c_str(), &st) == 0;
+    return fs_calls().lstat(native_bytes(text).c_str(), &st) == 0;
 }
 
 bool is_link(const std::wstring& text) {
     struct stat st;
-    return ::lstat(native_bytes(text).c_str(), &st) == 0 && S_ISLNK(st.st_mode);
+    return fs_calls().lstat(native_bytes(text).c_str(), &st) == 0 && S_ISLNK(st.st_mode);
 }
 
 bool remove_link(const std::wstring& text) {
@@ -205,19 +153,19 @@ bool move_entry(const std::wstring& from, const std::wstring& to) {
 
 bool is_same_or_inside(const std::wstring& inner, const std::wstring& outer) {
     struct stat wanted;
-    if (::stat(native_bytes(outer).c_str(), &wanted) != 0) {
+    if (fs_calls().stat(native_bytes(outer).c_str(), &wanted) != 0) {
         return false;
     }
     // Up through `..` until the directory itself or the root, which is its own parent.
     fd_t level(fs_calls().open(native_bytes(inner).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     struct stat st;
-    while (level.get() >= 0 && ::fstat(level.get(), &st) == 0) {
+    while (level.get() >= 0 && fs_calls().fstat(level.get(), &st) == 0) {
         if (same_entry(st, wanted)) {
             return true;
         }
-        fd_t parent(::openat(level.get(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        fd_t parent(fs_calls().openat(level.get(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
         struct stat up;
-        if (parent.get() < 0 || ::fstat(parent.get(), &up) != 0 || same_entry(up, st)) {
+        if (parent.get() < 0 || fs_calls().fstat(parent.get(), &up) != 0 || same_entry(up, st)) {
             return false;
         }
         level.reset(parent.take());
@@ -235,14 +183,14 @@ struct directory_t::state_t {
     // directory while they go through it.
     bool take(int descriptor) {
         fd.reset(descriptor);
-        if (descriptor < 0 || ::fstat(descriptor, &identity) != 0) {
+        if (descriptor < 0 || fs_calls().fstat(descriptor, &identity) != 0) {
             return false;
         }
         const int listing = ::dup(descriptor);
         DIR* dir = listing < 0 ? nullptr : ::fdopendir(listing);
         if (dir == nullptr) {
             if (listing >= 0) {
-                ::close(listing);
+                fs_calls().close(listing);
             }
             return false;
         }
@@ -269,7 +217,7 @@ struct directory_t::state_t {
                 break;
             case DT_UNKNOWN: {
                 struct stat st;
-                entry.type = ::fstatat(descriptor, name, &st, AT_SYMLINK_NOFOLLOW) == 0
+                entry.type = fs_calls().fstatat(descriptor, name, &st, AT_SYMLINK_NOFOLLOW) == 0
                                  ? type_of_mode(st.st_mode)
                                  : entry_type_t::file;
                 break;
@@ -312,27 +260,25 @@ void directory_t::release() {
 }
 
 bool directory_t::reacquire(const directory_t& child) {
-    const int fd = ::openat(child.state_->fd.get(), "..", directory_flags);
+    fd_t fd(fs_calls().openat(child.state_->fd.get(), "..", directory_flags, 0));
     struct stat st;
-    if (fd < 0 || ::fstat(fd, &st) != 0 || !same_entry(st, state_->identity)) {
-        if (fd >= 0) {
-            ::close(fd);
-        }
+    if (fd.get() < 0 || fs_calls().fstat(fd.get(), &st) != 0 ||
+        !same_entry(st, state_->identity)) {
         return false;
     }
-    state_->fd.reset(fd);
+    state_->fd.reset(fd.take());
     return true;
 }
 
 bool directory_t::leads_to_directory(const native_name_t& name) const {
     struct stat st;
-    return ::fstatat(state_->fd.get(), name.c_str(), &st, 0) == 0 && S_ISDIR(st.st_mode);
+    return fs_calls().fstatat(state_->fd.get(), name.c_str(), &st, 0) == 0 && S_ISDIR(st.st_mode);
 }
 
 void directory_t::make_writable() {
     // Without write permission a directory keeps its entries; Windows has no such protection.
     if ((state_->identity.st_mode & S_IWUSR) == 0) {
-        ::fchmod(state_->fd.get(), (state_->identity.st_mode & 07777) | S_IWUSR);
+        fs_calls().fchmod(state_->fd.get(), (state_->identity.st_mode & 07777) | S_IWUSR);
     }
 }
 
@@ -354,13 +300,13 @@ bool directory_t::copy_link(const native_name_t& name, const directory_t& target
     std::vector<char> buffer(256);
     for (;;) {
         const ssize_t length =
-            ::readlinkat(state_->fd.get(), name.c_str(), buffer.data(), buffer.size());
+            fs_calls().readlinkat(state_->fd.get(), name.c_str(), buffer.data(), buffer.size());
         if (length < 0) {
             return false;
         }
         if (static_cast<std::size_t>(length) < buffer.size()) {
             const std::string to(buffer.data(), static_cast<std::size_t>(length));
-            return ::symlinkat(to.c_str(), target.state_->fd.get(), name.c_str()) == 0;
+            return fs_calls().symlinkat(to.c_str(), target.state_->fd.get(), name.c_str()) == 0;
         }
         buffer.resize(buffer.size() * 2);
     }
