@@ -33,7 +33,8 @@ bool drain_folder_watch(std::intptr_t watch, const std::wstring& leaf) {
     alignas(inotify_event) char buffer[64 * (sizeof(inotify_event) + NAME_MAX + 1)];
     for (;;) {
         const int fd = static_cast<int>(watch);
-        const ssize_t got = retry_interrupted([&] { return fs_calls().read(fd, buffer, sizeof buffer); });
+        const ssize_t got =
+            retry_interrupted([&] { return fs_calls().read(fd, buffer, sizeof buffer); });
         if (got <= 0) {
             return concerned;
         }

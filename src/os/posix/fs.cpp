@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -44,7 +45,8 @@ bool fill_copy(int in, const struct stat& st, fd_t& out) {
         return false;
     }
     const struct timespec times[2] = {st.st_atim, st.st_mtim};
-    if (fs_calls().fchmod(out.get(), st.st_mode & 0777) != 0 || fs_calls().futimens(out.get(), times) != 0) {
+    if (fs_calls().fchmod(out.get(), st.st_mode & 0777) != 0 ||
+        fs_calls().futimens(out.get(), times) != 0) {
         return false;
     }
     return out.close();
@@ -173,62 +175,80 @@ bool is_same_or_inside(const std::wstring& inner, const std::wstring& outer) {
     return false;
 }
 
+namespace {
+
+// What an entry is by the type its directory gives; a file system that gives none (some
+// network and older ones) is asked about the entry itself.
+entry_type_t type_of_entry(int dir, const char* name, unsigned char type) {
+    switch (type) {
+    case DT_DIR:
+        return entry_type_t::directory;
+    case DT_LNK:
+        return entry_type_t::link;
+    case DT_REG:
+        return entry_type_t::file;
+    case DT_UNKNOWN: {
+        struct stat st;
+        return fs_calls().fstatat(dir, name, &st, AT_SYMLINK_NOFOLLOW) == 0
+                   ? type_of_mode(st.st_mode)
+                   : entry_type_t::file;
+    }
+    default:
+        return entry_type_t::special;
+    }
+}
+
+bool is_ascii(const std::string& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+} // namespace
+
+// The whole listing is read at once (the walks change the directory while they go through
+// it) straight from the descriptor, without a second descriptor and a stream for it, into one
+// buffer of names ("File search" in docs/performance.md).
 struct directory_t::state_t {
+    struct item_t {
+        std::size_t at;
+        std::size_t size;
+        entry_type_t type;
+    };
+
     fd_t fd;
     struct stat identity = {};
-    std::vector<directory_entry_t> entries;
+    // The names one after the other, each ended by a NUL, and where each starts.
+    std::string names;
+    std::vector<item_t> items;
     std::size_t next = 0;
 
-    // Takes the open directory `fd` and reads all its entries at once: the walks change the
-    // directory while they go through it.
+    // Takes the open directory `descriptor` and reads its entries; a read error ends the
+    // listing as its end does.
     bool take(int descriptor) {
         fd.reset(descriptor);
-        if (descriptor < 0 || fs_calls().fstat(descriptor, &identity) != 0) {
+        if (descriptor < 0) {
             return false;
         }
-        const int listing = ::dup(descriptor);
-        DIR* dir = listing < 0 ? nullptr : ::fdopendir(listing);
-        if (dir == nullptr) {
-            if (listing >= 0) {
-                fs_calls().close(listing);
+        alignas(dirent64) char buffer[32768];
+        for (;;) {
+            const ssize_t got = retry_interrupted(
+                [&] { return fs_calls().read_directory(descriptor, buffer, sizeof buffer); });
+            if (got <= 0) {
+                return true;
             }
-            return false;
+            for (ssize_t at = 0; at < got;) {
+                const auto* found = reinterpret_cast<const dirent64*>(buffer + at);
+                at += found->d_reclen;
+                const char* name = found->d_name;
+                if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
+                    continue;
+                }
+                const std::size_t size = std::strlen(name);
+                items.push_back(
+                    {names.size(), size, type_of_entry(descriptor, name, found->d_type)});
+                names.append(name, size + 1);
+            }
         }
-        while (const dirent* found = ::readdir(dir)) {
-            const char* name = found->d_name;
-            if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) {
-                continue;
-            }
-            directory_entry_t entry;
-            entry.native = name;
-            entry.name = to_ustring(name);
-            if (to_utf8(entry.name) != entry.native) {
-                entry.name.clear();
-            }
-            switch (found->d_type) {
-            case DT_DIR:
-                entry.type = entry_type_t::directory;
-                break;
-            case DT_LNK:
-                entry.type = entry_type_t::link;
-                break;
-            case DT_REG:
-                entry.type = entry_type_t::file;
-                break;
-            case DT_UNKNOWN: {
-                struct stat st;
-                entry.type = fs_calls().fstatat(descriptor, name, &st, AT_SYMLINK_NOFOLLOW) == 0
-                                 ? type_of_mode(st.st_mode)
-                                 : entry_type_t::file;
-                break;
-            }
-            default:
-                entry.type = entry_type_t::special;
-            }
-            entries.push_back(std::move(entry));
-        }
-        ::closedir(dir);
-        return true;
     }
 };
 
@@ -248,22 +268,36 @@ bool directory_t::open(const directory_t& parent, const native_name_t& name) {
 }
 
 bool directory_t::next(directory_entry_t& entry) {
-    if (state_->next >= state_->entries.size()) {
+    if (state_->next >= state_->items.size()) {
         return false;
     }
-    entry = std::move(state_->entries[state_->next++]);
+    const state_t::item_t& item = state_->items[state_->next++];
+    entry.native.assign(state_->names, item.at, item.size);
+    entry.type = item.type;
+    // An ASCII name is its own wide form; any other is kept only when it is UTF-8 that
+    // converts back to the same bytes.
+    if (is_ascii(entry.native)) {
+        entry.name.assign(entry.native.begin(), entry.native.end());
+    } else {
+        entry.name = to_ustring(entry.native);
+        if (to_utf8(entry.name) != entry.native) {
+            entry.name.clear();
+        }
+    }
     return true;
 }
 
 void directory_t::release() {
+    // What reacquire compares with; taken only here, as few walks go deep enough to need it.
+    state_->identity = {};
+    fs_calls().fstat(state_->fd.get(), &state_->identity);
     state_->fd.reset(-1);
 }
 
 bool directory_t::reacquire(const directory_t& child) {
     fd_t fd(fs_calls().openat(child.state_->fd.get(), "..", directory_flags, 0));
     struct stat st;
-    if (fd.get() < 0 || fs_calls().fstat(fd.get(), &st) != 0 ||
-        !same_entry(st, state_->identity)) {
+    if (fd.get() < 0 || fs_calls().fstat(fd.get(), &st) != 0 || !same_entry(st, state_->identity)) {
         return false;
     }
     state_->fd.reset(fd.take());
@@ -277,8 +311,9 @@ bool directory_t::leads_to_directory(const native_name_t& name) const {
 
 void directory_t::make_writable() {
     // Without write permission a directory keeps its entries; Windows has no such protection.
-    if ((state_->identity.st_mode & S_IWUSR) == 0) {
-        fs_calls().fchmod(state_->fd.get(), (state_->identity.st_mode & 07777) | S_IWUSR);
+    struct stat st;
+    if (fs_calls().fstat(state_->fd.get(), &st) == 0 && (st.st_mode & S_IWUSR) == 0) {
+        fs_calls().fchmod(state_->fd.get(), (st.st_mode & 07777) | S_IWUSR);
     }
 }
 

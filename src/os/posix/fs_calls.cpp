@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -46,6 +47,7 @@ fs_calls_t real_calls() {
     calls.unlinkat = ::unlinkat;
     calls.openat = openat_call;
     calls.fstatat = ::fstatat;
+    calls.read_directory = ::getdents64;
     calls.readlinkat = ::readlinkat;
     calls.symlinkat = ::symlinkat;
     calls.stat = ::stat;

@@ -27,6 +27,8 @@ struct fs_calls_t {
     int (*unlinkat)(int dir, const char* name, int flags);
     int (*openat)(int dir, const char* name, int flags, mode_t mode);
     int (*fstatat)(int dir, const char* name, struct stat* st, int flags);
+    /// Reads entries of the open directory `fd` as `dirent64` records (getdents64).
+    ssize_t (*read_directory)(int fd, void* buffer, size_t size);
     ssize_t (*readlinkat)(int dir, const char* name, char* buffer, size_t size);
     int (*symlinkat)(const char* to, int dir, const char* name);
     /// What an entry is, by name (following a link or not) and by descriptor.

@@ -137,8 +137,7 @@ std::wstring resolved(const std::string& name) {
 std::string read_link(const char* link) {
     std::vector<char> buffer(256);
     for (;;) {
-        const ssize_t length =
-            fs_calls().readlinkat(AT_FDCWD, link, buffer.data(), buffer.size());
+        const ssize_t length = fs_calls().readlinkat(AT_FDCWD, link, buffer.data(), buffer.size());
         if (length < 0) {
             return {};
         }
