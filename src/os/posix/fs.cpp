@@ -1,5 +1,7 @@
 // Directory and file operations on POSIX: mkdir, rmdir, unlink, rename, a copy loop, and the
 // walks relative to an open directory (openat, fstatat, unlinkat) that never follow a link.
+// Listings are read with getdents64 straight into one buffer of names ("File search" in
+// docs/performance.md).
 #include "os/fs.hpp"
 #include "os/posix/descriptor.hpp"
 #include "os/posix/fs_calls.hpp"
@@ -206,8 +208,7 @@ bool is_ascii(const std::string& text) {
 } // namespace
 
 // The whole listing is read at once (the walks change the directory while they go through
-// it) straight from the descriptor, without a second descriptor and a stream for it, into one
-// buffer of names ("File search" in docs/performance.md).
+// it) straight from the descriptor, without a second descriptor and a stream for it.
 struct directory_t::state_t {
     struct item_t {
         std::size_t at;
