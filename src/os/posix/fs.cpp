@@ -218,7 +218,7 @@ struct directory_t::state_t {
 
     fd_t fd;
     struct stat identity = {};
-    // The names one after the other, each ended by a NUL, and where each starts.
+    // The names one after the other, and where each starts.
     std::string names;
     std::vector<item_t> items;
     std::size_t next = 0;
@@ -247,7 +247,7 @@ struct directory_t::state_t {
                 const std::size_t size = std::strlen(name);
                 items.push_back(
                     {names.size(), size, type_of_entry(descriptor, name, found->d_type)});
-                names.append(name, size + 1);
+                names.append(name, size);
             }
         }
     }
