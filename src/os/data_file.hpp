@@ -35,6 +35,9 @@ class data_file_t {
     std::intptr_t handle_ = -1;
     std::string read_ahead_;
     std::size_t served_ = 0;
+    /// Bytes taken from the file so far, and its size when opened (0: not known).
+    std::uint64_t position_ = 0;
+    std::uint64_t size_at_open_ = 0;
 };
 
 } // namespace velmor2::_internal::os

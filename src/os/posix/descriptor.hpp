@@ -1,8 +1,9 @@
 // An owned file descriptor.
 #pragma once
 
+#include "os/posix/fs_calls.hpp"
+
 #include <cerrno>
-#include <unistd.h>
 
 namespace velmor2::_internal::os {
 
@@ -18,7 +19,7 @@ class fd_t {
     void reset(int fd) {
         if (fd_ >= 0) {
             const int saved = errno;
-            ::close(fd_);
+            fs_calls().close(fd_);
             errno = saved;
         }
         fd_ = fd;
@@ -30,7 +31,7 @@ class fd_t {
         return fd;
     }
     /// Closes now; false (errno set) when the system reports a late write failure.
-    bool close() { return ::close(take()) == 0; }
+    bool close() { return fs_calls().close(take()) == 0; }
 
   private:
     int fd_;

@@ -1,5 +1,6 @@
 // File attributes and write access from stat, faccessat and statvfs.
 #include "os/file_status.hpp"
+#include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 #include "unicode/convert.hpp"
 
@@ -55,7 +56,7 @@ bool get_attributes(const std::wstring& text, attributes_t& attributes, error_ki
         return false;
     }
     struct stat st;
-    if (::stat(native.c_str(), &st) != 0) {
+    if (fs_calls().stat(native.c_str(), &st) != 0) {
         error = last_error();
         return false;
     }
@@ -80,7 +81,7 @@ write_access_t check_write_access(const std::wstring& text) {
     if (native.empty()) {
         return write_access_t::unknown;
     }
-    if (::stat(native.c_str(), &st) != 0) {
+    if (fs_calls().stat(native.c_str(), &st) != 0) {
         // What the caller may not even look at, it may not write either.
         return errno == EACCES || errno == EPERM ? write_access_t::read_only
                                                  : write_access_t::unknown;
@@ -88,7 +89,7 @@ write_access_t check_write_access(const std::wstring& text) {
     if ((st.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
         return write_access_t::read_only;
     }
-    if (::faccessat(AT_FDCWD, native.c_str(), W_OK, AT_EACCESS) != 0) {
+    if (fs_calls().faccessat(AT_FDCWD, native.c_str(), W_OK, AT_EACCESS) != 0) {
         if (errno == EACCES || errno == EROFS || errno == EPERM) {
             return write_access_t::read_only;
         }
@@ -96,7 +97,7 @@ write_access_t check_write_access(const std::wstring& text) {
     }
     // A file system mounted read-only plays the part of a CD-ROM drive.
     struct statvfs vfs;
-    if (::statvfs(native.c_str(), &vfs) == 0 && (vfs.f_flag & ST_RDONLY) != 0) {
+    if (fs_calls().statvfs(native.c_str(), &vfs) == 0 && (vfs.f_flag & ST_RDONLY) != 0) {
         return write_access_t::read_only;
     }
     return write_access_t::writable;

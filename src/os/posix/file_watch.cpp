@@ -21,7 +21,7 @@ std::intptr_t open_folder_watch(const std::wstring& printed_folder) {
     constexpr std::uint32_t events = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE |
                                      IN_DELETE | IN_ATTRIB | IN_ONLYDIR;
     if (inotify_add_watch(fd, native_bytes(printed_folder).c_str(), events) < 0) {
-        ::close(fd);
+        fs_calls().close(fd);
         return no_watch;
     }
     return fd;
@@ -33,7 +33,8 @@ bool drain_folder_watch(std::intptr_t watch, const std::wstring& leaf) {
     alignas(inotify_event) char buffer[64 * (sizeof(inotify_event) + NAME_MAX + 1)];
     for (;;) {
         const int fd = static_cast<int>(watch);
-        const ssize_t got = retry_interrupted([&] { return ::read(fd, buffer, sizeof buffer); });
+        const ssize_t got =
+            retry_interrupted([&] { return fs_calls().read(fd, buffer, sizeof buffer); });
         if (got <= 0) {
             return concerned;
         }
@@ -50,7 +51,7 @@ bool drain_folder_watch(std::intptr_t watch, const std::wstring& leaf) {
 
 void close_folder_watch(std::intptr_t watch) {
     if (watch != no_watch) {
-        ::close(static_cast<int>(watch));
+        fs_calls().close(static_cast<int>(watch));
     }
 }
 

@@ -1,15 +1,17 @@
-// The POSIX calls that change the file system, reached through one table so that a test can
-// make any of them fail (a full disk, a refused permission) and check the failure comes back
-// as a value.
+// The POSIX calls that reach the file system, through one table so that a test can make any
+// of them fail (a full disk, a refused permission, a failing device) and check the failure
+// comes back as a value.
 #pragma once
 
 #include <cerrno>
 #include <cstddef>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/types.h>
 
 namespace velmor2::_internal::os {
 
-/// Every call the file operations make that can change or fill the disk.
+/// Every call the file operations make that can fail on the file system.
 struct fs_calls_t {
     int (*mkdir)(const char* path, mode_t mode);
     int (*rmdir)(const char* path);
@@ -19,10 +21,31 @@ struct fs_calls_t {
     int (*open)(const char* path, int flags, mode_t mode);
     ssize_t (*read)(int fd, void* buffer, size_t size);
     ssize_t (*write)(int fd, const void* buffer, size_t size);
+    int (*close)(int fd);
     /// The calls relative to an open directory, with which the tree walks reach entries.
     int (*mkdirat)(int dir, const char* name, mode_t mode);
     int (*unlinkat)(int dir, const char* name, int flags);
     int (*openat)(int dir, const char* name, int flags, mode_t mode);
+    int (*fstatat)(int dir, const char* name, struct stat* st, int flags);
+    /// Reads entries of the open directory `fd` as `dirent64` records (getdents64).
+    ssize_t (*read_directory)(int fd, void* buffer, size_t size);
+    ssize_t (*readlinkat)(int dir, const char* name, char* buffer, size_t size);
+    int (*symlinkat)(const char* to, int dir, const char* name);
+    /// What an entry is, by name (following a link or not) and by descriptor.
+    int (*stat)(const char* path, struct stat* st);
+    int (*lstat)(const char* path, struct stat* st);
+    int (*fstat)(int fd, struct stat* st);
+    int (*faccessat)(int dir, const char* name, int mode, int flags);
+    int (*statvfs)(const char* path, struct statvfs* vfs);
+    /// The working directory.
+    char* (*getcwd)(char* buffer, size_t size);
+    int (*chdir)(const char* path);
+    /// What a copy or a save carries over, and the lock a save or a reader holds.
+    int (*fchmod)(int fd, mode_t mode);
+    int (*fchown)(int fd, uid_t owner, gid_t group);
+    int (*futimens)(int fd, const struct timespec times[2]);
+    int (*ftruncate)(int fd, off_t size);
+    int (*flock)(int fd, int operation);
     /// Flushes a file's or a folder's data to the disk.
     int (*fsync)(int fd);
     /// Renames, replacing an existing target in one step.

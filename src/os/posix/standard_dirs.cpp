@@ -1,5 +1,6 @@
 // Standard folders on POSIX: the XDG base directories, /proc/self/exe, dladdr, TMPDIR, getcwd.
 #include "os/standard_dirs.hpp"
+#include "os/posix/fs_calls.hpp"
 #include "os/posix/native.hpp"
 #include "unicode/convert.hpp"
 
@@ -8,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <fstream>
 #include <link.h>
 #include <pwd.h>
@@ -135,7 +137,7 @@ std::wstring resolved(const std::string& name) {
 std::string read_link(const char* link) {
     std::vector<char> buffer(256);
     for (;;) {
-        const ssize_t length = ::readlink(link, buffer.data(), buffer.size());
+        const ssize_t length = fs_calls().readlinkat(AT_FDCWD, link, buffer.data(), buffer.size());
         if (length < 0) {
             return {};
         }
@@ -198,7 +200,7 @@ std::wstring get_temp_folder() {
 
 std::wstring get_working_dir() {
     std::vector<char> buffer(256);
-    while (::getcwd(buffer.data(), buffer.size()) == nullptr) {
+    while (fs_calls().getcwd(buffer.data(), buffer.size()) == nullptr) {
         if (errno != ERANGE) {
             return {};
         }
@@ -208,7 +210,7 @@ std::wstring get_working_dir() {
 }
 
 bool set_working_dir(const std::wstring& text) {
-    return !text.empty() && ::chdir(native_bytes(text).c_str()) == 0;
+    return !text.empty() && fs_calls().chdir(native_bytes(text).c_str()) == 0;
 }
 
 } // namespace velmor2::_internal::os

@@ -17,7 +17,6 @@
 namespace velmor2::_internal::os {
 namespace {
 
-
 int open_retrying(const char* native, int flags, mode_t mode) {
     return retry_interrupted([&] { return fs_calls().open(native, flags | O_CLOEXEC, mode); });
 }
@@ -25,7 +24,7 @@ int open_retrying(const char* native, int flags, mode_t mode) {
 // The file a save replaces: a symbolic link is followed, so that the link stays.
 std::string final_target(const std::string& native) {
     struct stat st;
-    if (::lstat(native.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
+    if (fs_calls().lstat(native.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) {
         if (char* resolved = ::realpath(native.c_str(), nullptr)) {
             std::string target(resolved);
             std::free(resolved);
@@ -39,8 +38,9 @@ std::string final_target(const std::string& native) {
 // file, is held, or no longer is what `native` names (another save replaced it meanwhile).
 bool hold_alone(int fd, const std::string& native, struct stat& st) {
     struct stat named;
-    return ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && ::flock(fd, LOCK_EX | LOCK_NB) == 0 &&
-           ::stat(native.c_str(), &named) == 0 && named.st_dev == st.st_dev &&
+    return fs_calls().fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
+           fs_calls().flock(fd, LOCK_EX | LOCK_NB) == 0 &&
+           fs_calls().stat(native.c_str(), &named) == 0 && named.st_dev == st.st_dev &&
            named.st_ino == st.st_ino;
 }
 
@@ -66,14 +66,14 @@ int create_beside(const std::string& target, std::string& name) {
 // process may give is left as it is.
 bool take_owner_and_mode(int fd, const struct stat& old) {
     if ((old.st_uid != ::geteuid() || old.st_gid != ::getegid()) &&
-        ::fchown(fd, old.st_uid, old.st_gid) != 0 && errno != EPERM) {
+        fs_calls().fchown(fd, old.st_uid, old.st_gid) != 0 && errno != EPERM) {
         return false;
     }
-    return ::fchmod(fd, old.st_mode & 07777) == 0;
+    return fs_calls().fchmod(fd, old.st_mode & 07777) == 0;
 }
 
 bool write_in_place(int fd, const std::string& text) {
-    return ::ftruncate(fd, 0) == 0 && write_all(fd, text.data(), text.size()) &&
+    return fs_calls().ftruncate(fd, 0) == 0 && write_all(fd, text.data(), text.size()) &&
            fs_calls().fsync(fd) == 0;
 }
 
@@ -95,8 +95,8 @@ void sync_folder_of(const std::string& target) {
 int open_xml_for_reading(const std::wstring& printed) {
     fd_t fd(open_retrying(native_bytes(printed).c_str(), O_RDONLY | O_NONBLOCK, 0));
     struct stat st;
-    if (fd.get() < 0 || ::fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode) ||
-        ::flock(fd.get(), LOCK_SH | LOCK_NB) != 0) {
+    if (fd.get() < 0 || fs_calls().fstat(fd.get(), &st) != 0 || !S_ISREG(st.st_mode) ||
+        fs_calls().flock(fd.get(), LOCK_SH | LOCK_NB) != 0) {
         return -1;
     }
     const int descriptor = fd.get();
@@ -105,7 +105,7 @@ int open_xml_for_reading(const std::wstring& printed) {
 }
 
 void close_xml_file(int descriptor) {
-    ::close(descriptor);
+    fs_calls().close(descriptor);
 }
 
 bool replace_xml_file(const std::wstring& printed, const std::string& text) {

