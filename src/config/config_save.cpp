@@ -69,8 +69,11 @@ bool advanced_xml_config_t::save(const path_t& file) {
     // The entries in key order, gathered first so that the memory of an entry a few places
     // ahead can be asked for while one is written: a store filled in another order has its
     // entries scattered, and waiting for each in turn would dominate a large save.
-    const std::vector<const _internal::key_index::entry_t*> entries =
-        _internal::key_index::in_key_order(values, index);
+    std::vector<const _internal::key_index::entry_t*> entries;
+    entries.reserve(values.size());
+    for (const auto& entry : values) {
+        entries.push_back(&entry);
+    }
     constexpr std::size_t ahead = 8;
     for (std::size_t at = 0; at < entries.size(); ++at) {
         if (at + 2 * ahead < entries.size()) {

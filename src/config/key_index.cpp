@@ -2,7 +2,6 @@
 // entry, and a store of many keys costs no allocation per key. Figures: docs/performance.md,
 // "Configuration store".
 #include "config/key_index.hpp"
-#include "config/prefetch.hpp"
 #include "unicode/convert.hpp"
 
 #include <algorithm>
@@ -64,12 +63,8 @@ entry_t* find(const index_t& index, std::wstring_view key, std::size_t hash) {
         if (entry == nullptr) {
             return nullptr;
         }
-        if (slot_hash == hash) {
-            // The caller reads the entry next: fetch it while the keys are compared.
-            _internal::prefetch_entry(entry);
-            if (slot_key == key) {
-                return entry;
-            }
+        if (slot_hash == hash && slot_key == key) {
+            return entry;
         }
     }
 }
@@ -92,59 +87,6 @@ index_t build(std::map<std::wstring, boost::any>& values) {
         place(index, slot_t{hash_of(entry.first), entry.first, &entry});
     }
     return index;
-}
-
-std::vector<const entry_t*> in_key_order(const std::map<std::wstring, boost::any>& values,
-                                         const index_t& index) {
-    // Walking the tree one entry after the other waits for each node in turn when the nodes
-    // lie scattered (a store filled in another order than its keys'). So the walk is split
-    // at keys taken from the index, where they lie in no particular order, and the pieces are
-    // walked side by side: their steps do not depend on each other, and the processor fetches
-    // their nodes at the same time.
-    constexpr std::size_t pieces = 64;
-    std::vector<const entry_t*> splits;
-    if (values.size() >= 16 * pieces) {
-        for (std::size_t at = 0; at < index.size(); at += index.size() / pieces) {
-            if (const entry_t* entry = std::get<2>(index[at])) {
-                splits.push_back(entry);
-            }
-        }
-        std::sort(splits.begin(), splits.end(),
-                  [](const entry_t* a, const entry_t* b) { return a->first < b->first; });
-    }
-    using iterator_t = std::map<std::wstring, boost::any>::const_iterator;
-    struct walk_t {
-        iterator_t next;
-        iterator_t end;
-        std::vector<const entry_t*> entries;
-    };
-    std::vector<walk_t> walks;
-    iterator_t begin = values.begin();
-    for (const entry_t* split : splits) {
-        const iterator_t end = values.find(split->first);
-        walks.push_back({begin, end, {}});
-        begin = end;
-    }
-    walks.push_back({begin, values.end(), {}});
-    for (walk_t& walk : walks) {
-        walk.entries.reserve(2 * values.size() / walks.size());
-    }
-    for (bool busy = true; busy;) {
-        busy = false;
-        for (walk_t& walk : walks) {
-            if (walk.next != walk.end) {
-                walk.entries.push_back(&*walk.next);
-                ++walk.next;
-                busy = true;
-            }
-        }
-    }
-    std::vector<const entry_t*> ordered;
-    ordered.reserve(values.size());
-    for (const walk_t& walk : walks) {
-        ordered.insert(ordered.end(), walk.entries.begin(), walk.entries.end());
-    }
-    return ordered;
 }
 
 } // namespace velmor2::_internal::key_index

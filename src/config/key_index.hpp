@@ -48,8 +48,4 @@ void reserve(index_t& index, std::size_t count, std::size_t more);
 /// An index of every entry of `values`.
 index_t build(std::map<std::wstring, boost::any>& values);
 
-/// Every entry of `values`, which `index` indexes, in key order.
-std::vector<const entry_t*> in_key_order(const std::map<std::wstring, boost::any>& values,
-                                         const index_t& index);
-
 } // namespace velmor2::_internal::key_index
