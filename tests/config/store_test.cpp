@@ -197,20 +197,22 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_fa
     // A document type makes the load build every element instead of taking scalars' text.
     for (const char* prolog : {"", "<!DOCTYPE Settings>\n"}) {
         SCOPED_TRACE(prolog);
-        dir.write("f.xml",
-                  std::string("<?xml version=\"1.0\"?>\n") + prolog +
-                      "<Settings>\n"
-                      "  <!-- a comment -->\n"
-                      "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
-                      "<other>9</other></ints>\n"
-                      "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
-                      "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
-                      "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
-                      "  <g><n type=\"int\">2</n></g>\n"
-                      "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
-                      "  <plain>text</plain>\n"
-                      "  <c type=\"string\">a<![CDATA[<b>]]>&amp;&#233;<!--x--><i>no</i>z</c>\n"
-                      "</Settings>\n");
+        dir.write(
+            "f.xml",
+            std::string("<?xml version=\"1.0\"?>\n") + prolog +
+                "<Settings>\n"
+                "  <!-- a comment -->\n"
+                "  <ints type=\"int_vector\"><item>1</item><item>x</item><item>3</item>"
+                "<other>9</other></ints>\n"
+                "  <map type=\"string_string_map\"><item key=\"a\" value=\"1\"/>"
+                "<item key=\"a\" value=\"2\"/><item value=\"no key\"/></map>\n"
+                "  <g><Upper type=\"Int\">1</Upper><n type=\"int\">1</n></g>\n"
+                "  <g><n type=\"int\">2</n></g>\n"
+                "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
+                "  <plain>text</plain>\n"
+                "  <c type=\"string\">a<![CDATA[<b>]]>&amp;&#233;<!--x--><?p?><i>no</i>z</c>\n"
+                "  <r type=\"&#105;nt\">7</r>\n"
+                "</Settings>\n");
         store_t store;
         watcher_t watcher;
         store.value_changed.connect(&watcher, &watcher_t::on_change);
@@ -225,11 +227,12 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_fa
         EXPECT_EQ(store.load_failures[0].first, L"g.Upper");
         EXPECT_EQ(store.load_failures[0].second, L"Int");
         EXPECT_EQ(get<std::wstring>(store, L"c"), L"a<b>&\u00e9z");
+        EXPECT_EQ(get<int>(store, L"r"), 7);
         EXPECT_EQ(names_of(store),
-                  (std::vector<std::wstring>{L"c", L"g.n", L"ints", L"map", L"v"}));
+                  (std::vector<std::wstring>{L"c", L"g.n", L"ints", L"map", L"r", L"v"}));
 
         // One notification per value element; the duplicate carries the earlier value.
-        ASSERT_EQ(watcher.changes.size(), 6u);
+        ASSERT_EQ(watcher.changes.size(), 7u);
         const watcher_t::change_t& duplicate = watcher.changes[3];
         EXPECT_EQ(duplicate.key, L"g.n");
         EXPECT_EQ(boost::any_cast<int>(duplicate.previous), 1);
