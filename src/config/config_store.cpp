@@ -42,11 +42,9 @@ advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_confi
 }
 
 advanced_xml_config_t::~advanced_xml_config_t() {
-    // Handlers first, then values; the signal goes last as the first-declared member. The
-    // index's one large block goes before the many small ones, whose release would otherwise
-    // be swept up again by the allocator when the large one is returned.
+    // Handlers first, then values; the signal goes last as the first-declared member.
     handlers.clear();
-    _internal::key_index::index_t().swap(index);
+    index.clear();
     values.clear();
 }
 
