@@ -23,18 +23,15 @@ namespace velmor2::_internal {
 namespace {
 
 // The value of the first attribute named `type` (as `xmlHasProp` finds it) among libxml2's
-// attribute quintuples (name, prefix, URI, value, end); false when there is none or its text
-// holds a reference, which only the built element resolves.
-bool plain_type_attribute(int count, const xmlChar** attributes, std::string& out) {
+// attribute quintuples (name, prefix, URI, value, end); false when there is none. Without a
+// document type there are no entities of the file's own, and libxml2 gives the value with
+// character and predefined references replaced.
+bool type_attribute(int count, const xmlChar** attributes, std::string& out) {
     for (int at = 0; at < count; ++at) {
         const xmlChar** attribute = attributes + 5 * at;
         if (std::strcmp(reinterpret_cast<const char*>(attribute[0]), "type") == 0) {
-            const auto* begin = reinterpret_cast<const char*>(attribute[3]);
-            const auto* end = reinterpret_cast<const char*>(attribute[4]);
-            if (std::memchr(begin, '&', static_cast<std::size_t>(end - begin)) != nullptr) {
-                return false;
-            }
-            out.assign(begin, end);
+            out.assign(reinterpret_cast<const char*>(attribute[3]),
+                       reinterpret_cast<const char*>(attribute[4]));
             return true;
         }
     }
@@ -169,7 +166,7 @@ class stream_t {
         }
         const xmlDoc* doc = context->myDoc;
         return doc != nullptr && doc->intSubset == nullptr && doc->extSubset == nullptr &&
-               plain_type_attribute(attribute_count, attributes, type_name) &&
+               type_attribute(attribute_count, attributes, type_name) &&
                visitor.reads_text(type_name);
     }
 

@@ -211,7 +211,7 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_fa
                 "  <v type=\"int\">5<inner type=\"int\">6</inner></v>\n"
                 "  <plain>text</plain>\n"
                 "  <c type=\"string\">a<![CDATA[<b>]]>&amp;&#233;<!--x--><?p?><i>no</i>z</c>\n"
-                "  <r type=\"&#105;nt\">7</r>\n"
+                "  <r type=\"&#105;nt\">7</r><u type=\"a&amp;b\">1</u>\n"
                 "</Settings>\n");
         store_t store;
         watcher_t watcher;
@@ -223,9 +223,10 @@ TEST(config_store, hand_written_containers_unknown_types_duplicates_roots_and_fa
         EXPECT_EQ(get<int>(store, L"v"), 5);
         EXPECT_FALSE(store.has_value(L"v.inner"));
         EXPECT_FALSE(store.has_value(L"plain"));
-        ASSERT_EQ(store.load_failures.size(), 1u);
+        ASSERT_EQ(store.load_failures.size(), 2u);
         EXPECT_EQ(store.load_failures[0].first, L"g.Upper");
         EXPECT_EQ(store.load_failures[0].second, L"Int");
+        EXPECT_EQ(store.load_failures[1].second, L"a&b");
         EXPECT_EQ(get<std::wstring>(store, L"c"), L"a<b>&\u00e9z");
         EXPECT_EQ(get<int>(store, L"r"), 7);
         EXPECT_EQ(names_of(store),
