@@ -12,6 +12,7 @@
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 
 #include <cstring>
 #include <exception>
@@ -60,7 +61,7 @@ class stream_t {
         if (failure) {
             std::rethrow_exception(failure);
         }
-        return !budget || !budget->exceeded();
+        return !too_long && (!budget || !budget->exceeded());
     }
 
   private:
@@ -74,6 +75,10 @@ class stream_t {
     bool text_only = false;
     std::string type_name;
     std::string text;
+    /// Bytes of the run of text being read in an element that is not built: libxml2 refuses
+    /// a text node of more than `XML_MAX_TEXT_LENGTH` bytes, and so does the stream.
+    std::size_t run = 0;
+    bool too_long = false;
     /// The key of the innermost open element outside typed ones, and where each enclosing
     /// element's key ends in it.
     std::string key;
@@ -132,6 +137,7 @@ class stream_t {
         }
         if (stream->typed_depth > 0) {
             ++stream->typed_depth;
+            stream->run = 0;
             if (!stream->text_only) {
                 build();
             }
@@ -146,6 +152,7 @@ class stream_t {
             stream->typed_depth = 1;
             stream->text_only = true;
             stream->text.clear();
+            stream->run = 0;
             return;
         }
         build();
@@ -182,6 +189,7 @@ class stream_t {
         }
         if (stream->typed_depth > 1) {
             --stream->typed_depth;
+            stream->run = 0;
             return;
         }
         const bool typed = stream->typed_depth == 1;
@@ -210,41 +218,53 @@ class stream_t {
         }
     }
 
-    // Text inside an element being read as text is taken when it is the element's own.
-    bool took_text(const xmlChar* characters, int length) {
+    // Text inside an element being read as text is taken when it is the element's own; a
+    // run of characters (`cdata` false) is held to libxml2's limit on a text node.
+    bool took_text(const xmlChar* characters, int length, bool cdata) {
         if (!text_only) {
             return false;
         }
-        if (typed_depth == 1) {
-            guarded([&] { text.append(reinterpret_cast<const char*>(characters), length); });
+        const auto size = static_cast<std::size_t>(length);
+        run = cdata ? 0 : run + size;
+        if (run > XML_MAX_TEXT_LENGTH) {
+            too_long = true;
+            xmlStopParser(context);
+        } else if (typed_depth == 1) {
+            guarded([&] { text.append(reinterpret_cast<const char*>(characters), size); });
         }
         return true;
     }
 
+    // Nodes other than text inside an element being read as text are skipped.
+    bool skipped() {
+        run = 0;
+        return text_only;
+    }
+
     static void characters(void* context, const xmlChar* characters, int length) {
         stream_t* stream = own(context);
-        if (stream == nullptr || !stream->took_text(characters, length)) {
+        if (stream == nullptr || !stream->took_text(characters, length, false)) {
             xmlSAX2Characters(context, characters, length);
         }
     }
 
     static void cdata(void* context, const xmlChar* characters, int length) {
         stream_t* stream = own(context);
-        if (stream == nullptr || !stream->took_text(characters, length)) {
+        if (stream == nullptr || !stream->took_text(characters, length, true)) {
             xmlSAX2CDataBlock(context, characters, length);
         }
     }
 
     static void comment(void* context, const xmlChar* value) {
         stream_t* stream = own(context);
-        if (stream == nullptr || !stream->text_only) {
+        if (stream == nullptr || !stream->skipped()) {
             xmlSAX2Comment(context, value);
         }
     }
 
     static void instruction(void* context, const xmlChar* target, const xmlChar* data) {
         stream_t* stream = own(context);
-        if (stream == nullptr || !stream->text_only) {
+        if (stream == nullptr || !stream->skipped()) {
             xmlSAX2ProcessingInstruction(context, target, data);
         }
     }

@@ -82,6 +82,18 @@ TEST(config_limits, values_at_the_parser_limits_load_back_and_past_them_are_repo
         EXPECT_EQ(loaded.has_value(c.key), c.saved);
     }
     EXPECT_TRUE(loaded.get_value(L"s1", 0).type() == typeid(std::wstring));
+
+    // Written by hand, a text past the limit fails the load, with a document type or without,
+    // also inside an element of the value.
+    const std::string past(10000001, 'x');
+    for (const char* prolog : {"", "<!DOCTYPE root>"}) {
+        for (const std::string& text : {past, "<i>" + past + "</i>"}) {
+            SCOPED_TRACE(prolog);
+            dir.write("h.xml",
+                      std::string(prolog) + "<root><s type=\"string\">" + text + "</s></root>");
+            EXPECT_FALSE(loaded.load(dir.path("h.xml")));
+        }
+    }
 }
 
 // A document type declaring `entities`, and a root holding `body`.
