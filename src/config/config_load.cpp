@@ -51,6 +51,8 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
         std::deque<read_value_t>& read;
         std::unordered_map<std::string, known_t> known;
         std::string type_name;
+        /// The handler `reads_text` last said yes for: `typed_text` comes for that element.
+        const _internal::text_reader_t* text_reader = nullptr;
 
         reader_t(advanced_xml_config_t& store, std::deque<read_value_t>& read)
             : store(store), read(read) {}
@@ -73,7 +75,8 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
 
         bool reads_text(const std::string& type_name) override {
             const known_t* found = handler_for(type_name);
-            return found != nullptr && found->text_reader != nullptr;
+            text_reader = found != nullptr ? found->text_reader : nullptr;
+            return text_reader != nullptr;
         }
 
         void typed(xmlNode* node, const std::string& key, const std::string& type_name) override {
@@ -89,13 +92,11 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
             read.push_back(std::move(value));
         }
 
-        void typed_text(const std::string& key, const std::string& type_name,
-                        const std::string& text) override {
-            read.push_back(
-                {_internal::to_ustring(key),
-                 true,
-                 {},
-                 handler_for(type_name)->text_reader->value_of_text(_internal::to_ustring(text))});
+        void typed_text(const std::string& key, const std::string& text) override {
+            read.push_back({_internal::to_ustring(key),
+                            true,
+                            {},
+                            text_reader->value_of_text(_internal::to_ustring(text))});
         }
 
         // The elements an entity's text holds, walked where the reference stands; their keys

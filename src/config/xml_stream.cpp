@@ -67,8 +67,6 @@ class stream_t {
   private:
     xmlParserCtxt* context;
     typed_element_visitor_t& visitor;
-    /// Elements open outside typed elements, the root included.
-    int depth = 0;
     /// Elements open inside the typed element being read, itself included; 0 outside one.
     int typed_depth = 0;
     /// True while the typed element being read is not built: its text goes to `text`.
@@ -79,8 +77,8 @@ class stream_t {
     /// a text node of more than `XML_MAX_TEXT_LENGTH` bytes, and so does the stream.
     std::size_t run = 0;
     bool too_long = false;
-    /// The key of the innermost open element outside typed ones, and where each enclosing
-    /// element's key ends in it.
+    /// The key of the innermost open element outside typed ones, and where each open element's
+    /// enclosing key ends in it (one entry per element, the root's included).
     std::string key;
     std::vector<std::size_t> key_ends;
     std::optional<expansion_budget_t> budget;
@@ -107,9 +105,11 @@ class stream_t {
         }
     }
 
+    // The root's name is no part of a key.
     void open_key(const xmlChar* name) {
+        const bool below_root = !key_ends.empty();
         key_ends.push_back(key.size());
-        if (depth++ > 0) {
+        if (below_root) {
             if (!key.empty()) {
                 key += '.';
             }
@@ -120,7 +120,6 @@ class stream_t {
     void close_key() {
         key.resize(key_ends.back());
         key_ends.pop_back();
-        --depth;
     }
 
     static void start(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri,
@@ -145,6 +144,9 @@ class stream_t {
         }
         bool as_text = false;
         stream->guarded([&] {
+            if (!stream->budget) {
+                stream->budget.emplace(stream->context->myDoc);
+            }
             stream->open_key(name);
             as_text = stream->takes_text(attribute_count, attributes);
         });
@@ -168,9 +170,6 @@ class stream_t {
     // read from its text alone. In a document with a type declaration an attribute may come
     // from a default or hold an entity's text: then only the built element tells.
     bool takes_text(int attribute_count, const xmlChar** attributes) {
-        if (!budget) {
-            budget.emplace(context->myDoc);
-        }
         const xmlDoc* doc = context->myDoc;
         return doc != nullptr && doc->intSubset == nullptr && doc->extSubset == nullptr &&
                type_attribute(attribute_count, attributes, type_name) &&
@@ -196,13 +195,13 @@ class stream_t {
         stream->typed_depth = 0;
         stream->guarded([&] {
             if (typed && stream->text_only) {
-                stream->visitor.typed_text(stream->key, stream->type_name, stream->text);
+                stream->visitor.typed_text(stream->key, stream->text);
             } else if (typed && element != nullptr) {
                 stream->visitor.typed(element, stream->key, stream->type_name);
             }
         });
         stream->text_only = false;
-        if (stream->depth > 0) {
+        if (!stream->key_ends.empty()) {
             stream->close_key();
         }
         // The ended element was its parent's last child, so every child of the parent has

@@ -19,10 +19,9 @@ class typed_element_visitor_t {
     /// A complete element with a `type` attribute (its text `type_name`) and no typed element
     /// above it; `element` and its subtree are freed when the call returns.
     virtual void typed(xmlNode* element, const std::string& key, const std::string& type_name) = 0;
-    /// Such an element, of a type that `reads_text`, handed over as its text (that of its
-    /// text and CDATA children) without being built.
-    virtual void typed_text(const std::string& key, const std::string& type_name,
-                            const std::string& text) = 0;
+    /// Such an element, of the type `reads_text` was last asked about and said yes to, handed
+    /// over as its text (that of its text and CDATA children) without being built.
+    virtual void typed_text(const std::string& key, const std::string& text) = 0;
     /// An entity reference outside typed elements, just added to the tree.
     virtual void reference(xmlNode* reference) = 0;
 };
