@@ -10,13 +10,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -35,6 +33,8 @@ class advanced_xml_config_t;
 namespace _internal {
 class handler_scope_t;
 struct store_watch_t;
+class value_store_t;
+struct load_failure_t;
 } // namespace _internal
 
 /// A reference-counted owning pointer with a separately allocated, non-atomic count; copies
@@ -268,41 +268,25 @@ class VELMOR_API advanced_xml_config_t {
   private:
     friend class handler_base_t;
 
-    /// A value element as read, before the store takes it.
-    struct read_value_t {
-        std::wstring key;
-        /// False for a type name no handler knows.
-        bool handled;
-        std::wstring type_name;
-        boost::any value;
-    };
-
-    /// Reads every value element of `file` into `read`, in document order; false when the
-    /// file does not load.
-    bool read_file(const path_t& file, std::deque<read_value_t>& read);
-    /// `set_value` with the key already lower-cased, taking both.
-    void put_value(std::wstring key, boost::any value);
-    /// Builds `index` if it is not built yet.
-    void index_values();
+    /// Reads every value element of `file` into `read`, in document order, and the elements
+    /// no handler reads into `failed`; false when the file does not load.
+    bool read_file(const path_t& file, _internal::value_store_t& read,
+                   std::vector<_internal::load_failure_t>& failed);
+    /// `set_value` with the key already lower-cased.
+    void put_value(const std::wstring& key, boost::any value);
+    /// Fires `value_changed` for the entry `id`, unless nobody listens.
+    void announce(std::wstring_view key, const boost::any& previous, std::size_t id);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key` in the store or a layer below; null if none.
     const boost::any* find_value(const std::wstring& key) const;
-    /// The XML text each value would be saved as, by key, for comparing values.
-    std::map<std::wstring, std::string>
-    saved_texts(const std::map<std::wstring, boost::any>& of) const;
+    /// The XML text each value of `of` would be saved as, by key, for comparing values.
+    std::map<std::wstring, std::string> saved_texts(const _internal::value_store_t& of) const;
 
-    /// The values under lower-cased keys.
-    std::map<std::wstring, boost::any> values;
+    /// The values under lower-cased keys; never null.
+    std::unique_ptr<_internal::value_store_t> values;
     /// The handlers, searched front to back; the first match wins.
     std::list<smart_pointer_t<handler_base_t>> handlers;
-    /// Hash index of exactly the entries of `values`, so that look-ups do not walk the tree:
-    /// open addressing, a slot holds the key's hash, the key (viewing the entry's own) and the
-    /// entry (null when free). Built by the first `get_value` or `load` and kept from then on:
-    /// a store only filled and saved never needs it, and until then look-ups walk the tree.
-    std::vector<
-        std::tuple<std::size_t, std::wstring_view, std::pair<const std::wstring, boost::any>*>>
-        index;
     /// The layer under the store's own values, or null.
     std::shared_ptr<const advanced_xml_config_t> lower;
     /// The watched file and what it held when last read; null when nothing is watched.

@@ -3,43 +3,68 @@
 
 #include "config/handler_scope.hpp"
 #include "config/handlers_internal.hpp"
-#include "config/key_index.hpp"
 #include "config/node_text.hpp"
+#include "config/value_store.hpp"
 #include "config/xml_stream.hpp"
 #include "unicode/convert.hpp"
 
 #include <libxml/tree.h>
 
-#include <deque>
+#include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace velmor2 {
+namespace _internal {
+
+/// An element whose type no handler reads, kept with its place among the values read.
+struct load_failure_t {
+    /// Number of values read before it.
+    std::size_t position;
+    std::wstring key;
+    std::wstring type_name;
+};
+
+} // namespace _internal
 
 bool advanced_xml_config_t::load(const path_t& file) {
     // Everything is read before the store changes, so that a file that turns out malformed or
     // refused for the text its entities expand to leaves the values as they were.
-    // A deque: growing it moves nothing, and its blocks are small enough for the allocator to
-    // reuse instead of mapping fresh memory.
-    std::deque<read_value_t> read;
-    if (!read_file(file, read)) {
+    auto read = std::make_unique<_internal::value_store_t>();
+    std::vector<_internal::load_failure_t> failed;
+    if (!read_file(file, *read, failed)) {
         return false;
     }
-    index.clear();
-    values.clear();
-    _internal::key_index::reserve(index, 0, read.size());
-    for (read_value_t& value : read) {
-        if (value.handled) {
-            put_value(_internal::key_index::key_of_name(std::move(value.key)),
-                      std::move(value.value));
-        } else {
-            on_load_value_failed(value.key, value.type_name);
+    // Values read in ascending key order, as a save writes them, are the store as they stand;
+    // others (a file written by hand) are set one by one in document order.
+    const std::size_t count = read->size();
+    auto failure = failed.begin();
+    const auto report_failures_before = [&](std::size_t position) {
+        for (; failure != failed.end() && failure->position == position; ++failure) {
+            on_load_value_failed(failure->key, failure->type_name);
+        }
+    };
+    if (read->ascending()) {
+        values.swap(read);
+        boost::any none;
+        for (std::size_t id = 0; id < values->size(); ++id) {
+            report_failures_before(id);
+            announce(values->key(id), none, id);
+        }
+    } else {
+        values->clear();
+        for (std::size_t id = 0; id < count; ++id) {
+            report_failures_before(id);
+            put_value(std::wstring(read->key(id)), std::move(read->value(id)));
         }
     }
+    report_failures_before(count);
     return true;
 }
 
-bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_t>& read) {
+bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store_t& read,
+                                      std::vector<_internal::load_failure_t>& failed) {
     struct reader_t final : _internal::typed_element_visitor_t {
         // A type name's handler, resolved once per load; the copy keeps it alive.
         struct known_t {
@@ -48,14 +73,16 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
         };
 
         advanced_xml_config_t& store;
-        std::deque<read_value_t>& read;
+        _internal::value_store_t& read;
+        std::vector<_internal::load_failure_t>& failed;
         std::unordered_map<std::string, known_t> known;
         std::string type_name;
         /// The handler `reads_text` last said yes for: `typed_text` comes for that element.
         const _internal::text_reader_t* text_reader = nullptr;
 
-        reader_t(advanced_xml_config_t& store, std::deque<read_value_t>& read)
-            : store(store), read(read) {}
+        reader_t(advanced_xml_config_t& store, _internal::value_store_t& read,
+                 std::vector<_internal::load_failure_t>& failed)
+            : store(store), read(read), failed(failed) {}
 
         const known_t* handler_for(const std::string& type_name) {
             const auto found = known.find(type_name);
@@ -80,23 +107,20 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
         }
 
         void typed(xmlNode* node, const std::string& key, const std::string& type_name) override {
-            read_value_t value{_internal::to_ustring(key), true, {}, {}};
             const known_t* found = handler_for(type_name);
             if (found == nullptr) {
-                value.handled = false;
-                value.type_name = _internal::to_ustring(type_name);
-            } else {
-                _internal::handler_scope_t scope(*found->handler, &store);
-                value.value = found->handler->load_value(node);
+                failed.push_back({read.size(), _internal::to_ustring(key),
+                                  _internal::to_ustring(type_name)});
+                return;
             }
-            read.push_back(std::move(value));
+            _internal::handler_scope_t scope(*found->handler, &store);
+            read.append(_internal::key_of_name(_internal::to_ustring(key)),
+                        found->handler->load_value(node));
         }
 
         void typed_text(const std::string& key, const std::string& text) override {
-            read.push_back({_internal::to_ustring(key),
-                            true,
-                            {},
-                            text_reader->value_of_text(_internal::to_ustring(text))});
+            read.append(_internal::key_of_name(_internal::to_ustring(key)),
+                        text_reader->value_of_text(_internal::to_ustring(text)));
         }
 
         // The elements an entity's text holds, walked where the reference stands; their keys
@@ -119,7 +143,7 @@ bool advanced_xml_config_t::read_file(const path_t& file, std::deque<read_value_
             }
         }
     };
-    reader_t reader(*this, read);
+    reader_t reader(*this, read, failed);
     return _internal::read_typed_elements(file, reader);
 }
 

@@ -9,9 +9,8 @@
 
 #include "config/handler_scope.hpp"
 #include "config/handlers_internal.hpp"
-#include "config/key_index.hpp"
-#include "config/prefetch.hpp"
 #include "config/save_tree.hpp"
+#include "config/value_store.hpp"
 #include "config/xml_check.hpp"
 #include "unicode/convert.hpp"
 
@@ -27,7 +26,7 @@ namespace {
 // The UTF-8 pieces of a key, viewing `utf8`, empty pieces dropped; false when a piece is not
 // an XML name or the key nests deeper than a reader accepts. "." is ASCII, so splitting the
 // UTF-8 form gives the pieces of the wide one.
-bool split_key(const std::wstring& key, std::string& utf8, std::vector<std::string_view>& pieces) {
+bool split_key(std::wstring_view key, std::string& utf8, std::vector<std::string_view>& pieces) {
     utf8.clear();
     _internal::append_utf8(key, utf8);
     pieces.clear();
@@ -62,45 +61,34 @@ bool advanced_xml_config_t::save(const path_t& file) {
         const _internal::text_writer_t* text_writer;
     };
     std::unordered_map<std::type_index, writer_t> known;
-    _internal::save_tree_t tree(values.size());
+    _internal::save_tree_t tree(values->size());
     std::string utf8;
     std::string text;
     std::vector<std::string_view> pieces;
-    // The entries in key order, gathered first so that the memory of an entry a few places
-    // ahead can be asked for while one is written: a store filled in another order has its
-    // entries scattered, and waiting for each in turn would dominate a large save.
-    std::vector<const _internal::key_index::entry_t*> entries;
-    entries.reserve(values.size());
-    for (const auto& entry : values) {
-        entries.push_back(&entry);
-    }
-    constexpr std::size_t ahead = 8;
-    for (std::size_t at = 0; at < entries.size(); ++at) {
-        if (at + 2 * ahead < entries.size()) {
-            _internal::prefetch_entry(entries[at + 2 * ahead]);
-        }
-        if (at + ahead < entries.size()) {
-            _internal::prefetch(entries[at + ahead]->first.data());
-        }
-        const auto& [key, value] = *entries[at];
+    const auto failed = [this](std::wstring_view key, const boost::any& value) {
+        on_save_value_failed(std::wstring(key), value.type());
+    };
+    values->for_each_in_order([&](std::size_t id) {
+        const std::wstring_view key = values->key(id);
+        const boost::any& value = values->value(id);
         if (!split_key(key, utf8, pieces)) {
-            on_save_value_failed(key, value.type());
-            continue;
+            failed(key, value);
+            return;
         }
         if (pieces.empty()) {
-            continue;
+            return;
         }
         const _internal::save_tree_t::id_t node = tree.make_element(pieces);
         if (node == _internal::save_tree_t::none) {
-            on_save_value_failed(key, value.type());
-            continue;
+            failed(key, value);
+            return;
         }
         auto handler = known.find(value.type());
         if (handler == known.end()) {
             handler_base_t* found = handler_for_type(value.type());
             if (found == nullptr) {
-                on_save_value_failed(key, value.type());
-                continue;
+                failed(key, value);
+                return;
             }
             for (const smart_pointer_t<handler_base_t>& owned : handlers) {
                 if (owned.get() == found) {
@@ -116,9 +104,9 @@ bool advanced_xml_config_t::save(const path_t& file) {
             text.clear();
             writer.text_writer->append_text(value, text);
             if (!tree.set_text(node, &writer.type_name, text)) {
-                on_save_value_failed(key, value.type());
+                failed(key, value);
             }
-            continue;
+            return;
         }
         xmlNode* element = tree.make_value_element(node);
         xmlSetProp(element, BAD_CAST "type", BAD_CAST writer.type_name.c_str());
@@ -128,9 +116,9 @@ bool advanced_xml_config_t::save(const path_t& file) {
         }
         if (!_internal::is_loadable(element, tree.depth_of(node))) {
             tree.clear_value(node);
-            on_save_value_failed(key, value.type());
+            failed(key, value);
         }
-    }
+    });
     return tree.write(file);
 }
 

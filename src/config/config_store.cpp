@@ -2,8 +2,8 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handlers_internal.hpp"
-#include "config/key_index.hpp"
 #include "config/store_watch.hpp"
+#include "config/value_store.hpp"
 #include "unicode/convert.hpp"
 
 namespace velmor2 {
@@ -11,32 +11,31 @@ namespace {
 
 // Runs `use` on the key of `name`, copying only a name that is not in key form.
 template <typename use_t> auto with_key(const std::wstring& name, use_t use) {
-    return _internal::key_index::is_key_form(name) ? use(name) : use(_internal::tolower(name));
+    return _internal::is_key_form(name) ? use(name) : use(_internal::tolower(name));
 }
 
 } // namespace
 
-advanced_xml_config_t::advanced_xml_config_t() {
+advanced_xml_config_t::advanced_xml_config_t()
+    : values(std::make_unique<_internal::value_store_t>()) {
     _internal::add_builtin_handlers(handlers);
 }
 
 advanced_xml_config_t::advanced_xml_config_t(const advanced_xml_config_t& other)
-    : value_changed(other.value_changed), values(other.values), handlers(other.handlers),
-      index(_internal::key_index::build(values)), lower(other.lower) {}
+    : value_changed(other.value_changed),
+      values(std::make_unique<_internal::value_store_t>(*other.values)), handlers(other.handlers),
+      lower(other.lower) {}
 
 advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_config_t& other) {
     value_changed = other.value_changed;
     if (this != &other) {
-        // Copied and indexed aside first: running out of memory leaves the store as it was.
-        // Swapping maps keeps their iterators valid.
-        auto copied = other.values;
-        auto copied_index = _internal::key_index::build(copied);
+        // Copied aside first: running out of memory leaves the store as it was.
+        auto copied = std::make_unique<_internal::value_store_t>(*other.values);
         handlers = other.handlers;
         if (!set_lower_layer(other.lower)) {
             lower.reset();
         }
         values.swap(copied);
-        index.swap(copied_index);
     }
     return *this;
 }
@@ -44,13 +43,12 @@ advanced_xml_config_t& advanced_xml_config_t::operator=(const advanced_xml_confi
 advanced_xml_config_t::~advanced_xml_config_t() {
     // Handlers first, then values; the signal goes last as the first-declared member.
     handlers.clear();
-    index.clear();
-    values.clear();
+    values.reset();
 }
 
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
-    index_values();
+    values->index();
     return with_key(name, [&](const std::wstring& key) {
         const boost::any* found = find_value(key);
         return found != nullptr ? *found : default_value;
@@ -58,46 +56,27 @@ boost::any advanced_xml_config_t::get_value(const std::wstring& name,
 }
 
 void advanced_xml_config_t::set_value(const std::wstring& name, const boost::any& value) {
-    put_value(_internal::key_index::key_of_name(name), value);
-}
-
-void advanced_xml_config_t::put_value(std::wstring key, boost::any value) {
-    // A key after the last one is new without a look-up: files and loops mostly bring keys
-    // in ascending order. Otherwise the index finds it, or where nothing was read yet and the
-    // index is not built, the tree search that an insertion makes anyway.
-    const bool after_last = values.empty() || values.rbegin()->first < key;
-    const std::size_t hash = index.empty() ? 0 : _internal::key_index::hash_of(key);
-    _internal::key_index::entry_t* entry = nullptr;
-    auto place = values.end();
-    if (!after_last && !index.empty()) {
-        entry = _internal::key_index::find(index, key, hash);
-    } else if (!after_last) {
-        place = values.lower_bound(key);
-        entry = place != values.end() && place->first == key ? &*place : nullptr;
-    }
-    boost::any previous;
-    if (entry != nullptr) {
-        previous.swap(entry->second);
-        entry->second = std::move(value);
+    if (_internal::is_key_form(name)) {
+        put_value(name, value);
     } else {
-        const auto added = values.emplace_hint(place, std::move(key), std::move(value));
-        if (!index.empty()) {
-            try {
-                _internal::key_index::add(index, values.size() - 1, hash, &*added);
-            } catch (...) {
-                values.erase(added);
-                throw;
-            }
-        }
-        entry = &*added;
+        put_value(_internal::tolower(name), value);
     }
-    value_changed(entry->first, previous, entry->second);
 }
 
-void advanced_xml_config_t::index_values() {
-    if (index.empty() && !values.empty()) {
-        index = _internal::key_index::build(values);
+void advanced_xml_config_t::put_value(const std::wstring& key, boost::any value) {
+    boost::any previous;
+    const std::size_t id = values->put(key, std::move(value), previous);
+    announce(key, previous, id);
+}
+
+void advanced_xml_config_t::announce(std::wstring_view key, const boost::any& previous,
+                                     std::size_t id) {
+    if (value_changed.connection_count() == 0) {
+        return;
     }
+    // Copies: a listener may change the store, which moves its entries.
+    const boost::any now = values->value(id);
+    value_changed(std::wstring(key), previous, now);
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
@@ -105,14 +84,10 @@ bool advanced_xml_config_t::has_value(const std::wstring& name) const {
 }
 
 const boost::any* advanced_xml_config_t::find_value(const std::wstring& key) const {
-    const std::size_t hash = _internal::key_index::hash_of(key);
     for (const advanced_xml_config_t* layer = this; layer != nullptr; layer = layer->lower.get()) {
-        if (!layer->index.empty()) {
-            if (const auto* found = _internal::key_index::find(layer->index, key, hash)) {
-                return &found->second;
-            }
-        } else if (const auto found = layer->values.find(key); found != layer->values.end()) {
-            return &found->second;
+        const std::size_t id = layer->values->find(key);
+        if (id != _internal::value_store_t::none) {
+            return &layer->values->value(id);
         }
     }
     return nullptr;
@@ -135,10 +110,8 @@ std::shared_ptr<const advanced_xml_config_t> advanced_xml_config_t::get_lower_la
 
 void advanced_xml_config_t::get_names(std::vector<std::wstring>& names) const {
     names.clear();
-    names.reserve(values.size());
-    for (const auto& entry : values) {
-        names.push_back(entry.first);
-    }
+    names.reserve(values->size());
+    values->for_each_in_order([&](std::size_t id) { names.emplace_back(values->key(id)); });
 }
 
 void advanced_xml_config_t::add_handler(smart_pointer_t<handler_base_t> handler) {

@@ -7,8 +7,8 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handler_scope.hpp"
-#include "config/key_index.hpp"
 #include "config/store_watch.hpp"
+#include "config/value_store.hpp"
 #include "config/xml_quiet.hpp"
 #include "os/file_watch.hpp"
 
@@ -29,15 +29,16 @@ std::wstring folder_of(const path_t& file) {
 } // namespace
 
 std::map<std::wstring, std::string>
-advanced_xml_config_t::saved_texts(const std::map<std::wstring, boost::any>& of) const {
+advanced_xml_config_t::saved_texts(const _internal::value_store_t& of) const {
     const _internal::quiet_xml_t quiet;
     std::map<std::wstring, std::string> texts;
     const std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> doc(xmlNewDoc(BAD_CAST "1.0"),
                                                              &xmlFreeDoc);
     const std::unique_ptr<xmlBuffer, decltype(&xmlBufferFree)> buffer(xmlBufferCreate(),
                                                                       &xmlBufferFree);
-    for (const auto& [key, value] : of) {
-        std::string& text = texts[key];
+    for (std::size_t id = 0; id < of.size(); ++id) {
+        const boost::any& value = of.value(id);
+        std::string& text = texts[std::wstring(of.key(id))];
         handler_base_t* handler = handler_for_type(value.type());
         if (value.empty() || handler == nullptr) {
             // Values without a handler compare by type alone.
@@ -71,7 +72,7 @@ bool advanced_xml_config_t::watch_file(const path_t& file) {
     advanced_xml_config_t on_disk;
     on_disk.handlers = handlers;
     if (on_disk.load(file)) {
-        started->on_disk = saved_texts(on_disk.values);
+        started->on_disk = saved_texts(*on_disk.values);
     }
     watch = std::move(started);
     return true;
@@ -96,7 +97,7 @@ std::size_t advanced_xml_config_t::reload_changes() {
     if (!on_disk.load(watch->file)) {
         return 0;
     }
-    std::map<std::wstring, std::string> now = saved_texts(on_disk.values);
+    std::map<std::wstring, std::string> now = saved_texts(*on_disk.values);
     // The keys whose text on disk moved: changed, added or removed.
     std::vector<std::wstring> moved;
     auto before = watch->on_disk.begin();
@@ -118,18 +119,19 @@ std::size_t advanced_xml_config_t::reload_changes() {
     }
     watch->on_disk.swap(now);
 
-    // Removals first, with one rebuild of the index, so that the announcements below find the
-    // store consistent.
+    // Removals first, all at once, so that the announcements below find the store consistent.
+    std::vector<std::size_t> removed_ids;
     std::vector<std::pair<std::wstring, boost::any>> removed;
     for (const std::wstring& key : moved) {
-        const auto own = values.find(key);
-        if (on_disk.values.count(key) == 0 && own != values.end()) {
-            removed.emplace_back(key, std::move(own->second));
-            values.erase(own);
+        const std::size_t own = values->find(key);
+        if (on_disk.values->find(key) == _internal::value_store_t::none &&
+            own != _internal::value_store_t::none) {
+            removed_ids.push_back(own);
+            removed.emplace_back(key, std::move(values->value(own)));
         }
     }
     if (!removed.empty()) {
-        index = _internal::key_index::build(values);
+        values->remove(removed_ids);
     }
     std::size_t announced = 0;
     for (const auto& [key, previous] : removed) {
@@ -137,17 +139,21 @@ std::size_t advanced_xml_config_t::reload_changes() {
         value_changed(key, previous, boost::any());
     }
     for (const std::wstring& key : moved) {
-        const auto incoming = on_disk.values.find(key);
-        if (incoming == on_disk.values.end()) {
+        const std::size_t incoming = on_disk.values->find(key);
+        if (incoming == _internal::value_store_t::none) {
             continue;
         }
         // The file's text was made above; only the store's own value needs writing out.
-        const auto own = values.find(key);
-        if (own != values.end() && saved_texts({*own})[key] == watch->on_disk[key]) {
-            continue;
+        const std::size_t own = values->find(key);
+        if (own != _internal::value_store_t::none) {
+            _internal::value_store_t mine;
+            mine.append(key, boost::any(values->value(own)));
+            if (saved_texts(mine)[key] == watch->on_disk[key]) {
+                continue;
+            }
         }
         ++announced;
-        set_value(key, incoming->second);
+        set_value(key, on_disk.values->value(incoming));
     }
     return announced;
 }

@@ -30,14 +30,14 @@ void add_text_child(xmlNode* node, const char* name, const std::wstring& text) {
                     reinterpret_cast<const xmlChar*>(to_xml_utf8(text).c_str()));
 }
 
-void append_utf8(const std::wstring& text, std::string& out) {
+void append_utf8(std::wstring_view text, std::string& out) {
     const std::size_t start = out.size();
     out.resize(start + text.size());
     char* p = out.data() + start;
     for (const wchar_t c : text) {
         if (static_cast<std::uint32_t>(c) >= 0x80) {
             out.resize(start);
-            out += to_xml_utf8(text);
+            out += to_xml_utf8(std::wstring(text));
             return;
         }
         *p++ = static_cast<char>(c);

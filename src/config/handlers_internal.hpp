@@ -10,6 +10,7 @@
 #include <libxml/tree.h>
 
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <typeinfo>
 #include <vector>
@@ -26,7 +27,7 @@ void add_text_child(xmlNode* node, const char* name, const std::wstring& text);
 
 /// Appends the UTF-8 form of `text` to `out` (what `to_xml_utf8` gives, without a conversion
 /// pass when the text is ASCII).
-void append_utf8(const std::wstring& text, std::string& out);
+void append_utf8(std::wstring_view text, std::string& out);
 
 /// A handler whose `save_value` only appends text to the element: a save can take that text
 /// and write it out without a libxml2 element for the value.

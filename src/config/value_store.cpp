@@ -1,0 +1,192 @@
+// The flat value store.
+#include "config/value_store.hpp"
+#include "unicode/convert.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <new>
+#include <numeric>
+
+namespace velmor2::_internal {
+namespace {
+
+constexpr std::size_t min_slots = 16;
+constexpr std::uint64_t id_mask = 0xFFFFFFFFu;
+
+std::uint64_t hash_of(std::wstring_view key) {
+    return std::hash<std::wstring_view>()(key);
+}
+
+} // namespace
+
+bool is_key_form(std::wstring_view name) {
+    return std::all_of(name.begin(), name.end(), [](wchar_t c) {
+        return static_cast<std::uint32_t>(c) < 0x80 && !(c >= L'A' && c <= L'Z');
+    });
+}
+
+std::wstring key_of_name(std::wstring name) {
+    return is_key_form(name) ? name : _internal::tolower(name);
+}
+
+value_store_t::value_store_t(const value_store_t& other) {
+    for (std::size_t id = 0; id < other.count; ++id) {
+        append(other.key(id), boost::any(other.value(id)));
+    }
+    in_key_order = other.in_key_order;
+    slots = other.slots;
+}
+
+value_store_t& value_store_t::operator=(const value_store_t& other) {
+    if (this != &other) {
+        *this = value_store_t(other);
+    }
+    return *this;
+}
+
+std::size_t value_store_t::find(std::wstring_view key) const {
+    if (!slots.empty()) {
+        const std::uint64_t hash = hash_of(key);
+        const std::size_t mask = slots.size() - 1;
+        for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask) {
+            const std::uint64_t slot = slots[at];
+            if (slot == 0) {
+                return none;
+            }
+            const std::size_t id = static_cast<std::size_t>(slot & id_mask) - 1;
+            if ((slot >> 32) == (hash >> 32) && this->key(id) == key) {
+                return id;
+            }
+        }
+    }
+    if (in_key_order) {
+        std::size_t low = 0;
+        std::size_t high = count;
+        while (low < high) {
+            const std::size_t middle = low + (high - low) / 2;
+            if (this->key(middle) < key) {
+                low = middle + 1;
+            } else {
+                high = middle;
+            }
+        }
+        return low < count && this->key(low) == key ? low : none;
+    }
+    for (std::size_t id = 0; id < count; ++id) {
+        if (this->key(id) == key) {
+            return id;
+        }
+    }
+    return none;
+}
+
+std::size_t value_store_t::put(std::wstring_view key, boost::any&& value, boost::any& previous) {
+    previous = boost::any();
+    std::size_t id = none;
+    // While the keys are in order, the last is the greatest.
+    if (count != 0 && !(in_key_order && this->key(count - 1) < key)) {
+        index();
+        id = find(key);
+    }
+    if (id != none) {
+        previous.swap(entry(id).value);
+        entry(id).value = std::move(value);
+        return id;
+    }
+    append(key, std::move(value));
+    return count - 1;
+}
+
+void value_store_t::append(std::wstring_view key, boost::any&& value) {
+    // Entry numbers share a slot with a 32-bit hash.
+    if (count >= id_mask - 1) {
+        throw std::bad_alloc();
+    }
+    // Room first, so that running out of memory leaves the store as it was.
+    if (!slots.empty() && 2 * (count + 1) > slots.size()) {
+        resize_index(count + 1);
+    }
+    if (count == entry_blocks.size() * entry_block_size) {
+        entry_blocks.push_back(std::make_unique<entry_t[]>(entry_block_size));
+    }
+    wchar_t* text = key_room;
+    if (key.size() > key_block_size / 4) {
+        // A long key gets a block of its own; the room of the last block stays.
+        key_blocks.push_back(std::make_unique<wchar_t[]>(key.size()));
+        text = key_blocks.back().get();
+    } else {
+        if (key.size() > key_room_size) {
+            key_blocks.push_back(std::make_unique<wchar_t[]>(key_block_size));
+            key_room = key_blocks.back().get();
+            key_room_size = key_block_size;
+        }
+        text = key_room;
+        key_room += key.size();
+        key_room_size -= key.size();
+    }
+    std::copy(key.begin(), key.end(), text);
+    const bool after_last = count == 0 || this->key(count - 1) < key;
+    entry_t& added = entry(count);
+    added.key = text;
+    added.key_size = key.size();
+    added.value = std::move(value);
+    ++count;
+    if (!slots.empty()) {
+        place(hash_of(key), count - 1);
+    }
+    in_key_order = in_key_order && after_last;
+}
+
+void value_store_t::index() {
+    if (slots.empty() && count != 0) {
+        resize_index(count);
+    }
+}
+
+void value_store_t::place(std::uint64_t hash, std::size_t id) {
+    const std::size_t mask = slots.size() - 1;
+    std::size_t at = static_cast<std::size_t>(hash) & mask;
+    while (slots[at] != 0) {
+        at = (at + 1) & mask;
+    }
+    slots[at] = (hash & ~id_mask) | (static_cast<std::uint64_t>(id) + 1);
+}
+
+void value_store_t::resize_index(std::size_t entries) {
+    std::size_t size = min_slots;
+    while (size < 2 * entries) {
+        size *= 2;
+    }
+    std::vector<std::uint64_t> resized(size, 0);
+    slots.swap(resized);
+    for (std::size_t id = 0; id < count; ++id) {
+        place(hash_of(key(id)), id);
+    }
+}
+
+std::vector<std::size_t> value_store_t::sorted_ids() const {
+    std::vector<std::size_t> ids(count);
+    std::iota(ids.begin(), ids.end(), std::size_t(0));
+    std::sort(ids.begin(), ids.end(),
+              [this](std::size_t a, std::size_t b) { return key(a) < key(b); });
+    return ids;
+}
+
+void value_store_t::remove(const std::vector<std::size_t>& ids) {
+    std::vector<bool> removed(count, false);
+    for (const std::size_t id : ids) {
+        removed[id] = true;
+    }
+    value_store_t kept;
+    for (std::size_t id = 0; id < count; ++id) {
+        if (!removed[id]) {
+            kept.append(key(id), std::move(value(id)));
+        }
+    }
+    if (!slots.empty()) {
+        kept.index();
+    }
+    *this = std::move(kept);
+}
+
+} // namespace velmor2::_internal
