@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <functional>
 #include <new>
-#include <numeric>
 
 namespace velmor2::_internal {
 namespace {
@@ -46,18 +45,7 @@ value_store_t& value_store_t::operator=(const value_store_t& other) {
 
 std::size_t value_store_t::find(std::wstring_view key) const {
     if (!slots.empty()) {
-        const std::uint64_t hash = hash_of(key);
-        const std::size_t mask = slots.size() - 1;
-        for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask) {
-            const std::uint64_t slot = slots[at];
-            if (slot == 0) {
-                return none;
-            }
-            const std::size_t id = static_cast<std::size_t>(slot & id_mask) - 1;
-            if ((slot >> 32) == (hash >> 32) && this->key(id) == key) {
-                return id;
-            }
-        }
+        return find_indexed(key, hash_of(key));
     }
     if (in_key_order) {
         std::size_t low = 0;
@@ -80,24 +68,47 @@ std::size_t value_store_t::find(std::wstring_view key) const {
     return none;
 }
 
+std::size_t value_store_t::find_indexed(std::wstring_view key, std::uint64_t hash) const {
+    const std::size_t mask = slots.size() - 1;
+    for (std::size_t at = static_cast<std::size_t>(hash) & mask;; at = (at + 1) & mask) {
+        const std::uint64_t slot = slots[at];
+        if (slot == 0) {
+            return none;
+        }
+        const std::size_t id = static_cast<std::size_t>(slot & id_mask) - 1;
+        if ((slot >> 32) == (hash >> 32) && this->key(id) == key) {
+            return id;
+        }
+    }
+}
+
 std::size_t value_store_t::put(std::wstring_view key, boost::any&& value, boost::any& previous) {
     previous = boost::any();
-    std::size_t id = none;
+    const bool after_last = count == 0 || this->key(count - 1) < key;
     // While the keys are in order, the last is the greatest.
-    if (count != 0 && !(in_key_order && this->key(count - 1) < key)) {
-        index();
-        id = find(key);
+    if (in_key_order && after_last) {
+        add(key, std::move(value), true, slots.empty() ? 0 : hash_of(key));
+        return count - 1;
     }
+    index();
+    const std::uint64_t hash = hash_of(key);
+    const std::size_t id = find_indexed(key, hash);
     if (id != none) {
         previous.swap(entry(id).value);
         entry(id).value = std::move(value);
         return id;
     }
-    append(key, std::move(value));
+    add(key, std::move(value), after_last, hash);
     return count - 1;
 }
 
 void value_store_t::append(std::wstring_view key, boost::any&& value) {
+    add(key, std::move(value), count == 0 || this->key(count - 1) < key,
+        slots.empty() ? 0 : hash_of(key));
+}
+
+void value_store_t::add(std::wstring_view key, boost::any&& value, bool after_last,
+                        std::uint64_t hash) {
     // Entry numbers share a slot with a 32-bit hash.
     if (count >= id_mask - 1) {
         throw std::bad_alloc();
@@ -125,14 +136,13 @@ void value_store_t::append(std::wstring_view key, boost::any&& value) {
         key_room_size -= key.size();
     }
     std::copy(key.begin(), key.end(), text);
-    const bool after_last = count == 0 || this->key(count - 1) < key;
     entry_t& added = entry(count);
     added.key = text;
     added.key_size = key.size();
     added.value = std::move(value);
     ++count;
     if (!slots.empty()) {
-        place(hash_of(key), count - 1);
+        place(hash, count - 1);
     }
     in_key_order = in_key_order && after_last;
 }
@@ -165,10 +175,20 @@ void value_store_t::resize_index(std::size_t entries) {
 }
 
 std::vector<std::size_t> value_store_t::sorted_ids() const {
+    // Sorted by the keys' text itself, not through the entries' blocks.
+    struct sorted_t {
+        std::wstring_view key;
+        std::size_t id;
+    };
+    std::vector<sorted_t> sorted(count);
+    for (std::size_t id = 0; id < count; ++id) {
+        sorted[id] = {key(id), id};
+    }
+    std::sort(sorted.begin(), sorted.end(),
+              [](const sorted_t& a, const sorted_t& b) { return a.key < b.key; });
     std::vector<std::size_t> ids(count);
-    std::iota(ids.begin(), ids.end(), std::size_t(0));
-    std::sort(ids.begin(), ids.end(),
-              [this](std::size_t a, std::size_t b) { return key(a) < key(b); });
+    std::transform(sorted.begin(), sorted.end(), ids.begin(),
+                   [](const sorted_t& one) { return one.id; });
     return ids;
 }
 

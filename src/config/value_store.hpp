@@ -110,6 +110,10 @@ class value_store_t {
         return entry_blocks[id >> entry_block_bits][id & (entry_block_size - 1)];
     }
     std::vector<std::size_t> sorted_ids() const;
+    std::size_t find_indexed(std::wstring_view key, std::uint64_t hash) const;
+    // Adds an entry; `after_last` tells whether `key` follows the last one, `hash` is its hash
+    // when the store is indexed.
+    void add(std::wstring_view key, boost::any&& value, bool after_last, std::uint64_t hash);
     void place(std::uint64_t hash, std::size_t id);
     void resize_index(std::size_t entries);
 
