@@ -79,6 +79,8 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
         std::string type_name;
         /// The handler `reads_text` last said yes for: `typed_text` comes for that element.
         const _internal::text_reader_t* text_reader = nullptr;
+        /// The key of the value being read, in memory reused from value to value.
+        std::wstring wide_key;
 
         reader_t(advanced_xml_config_t& store, _internal::value_store_t& read,
                  std::vector<_internal::load_failure_t>& failed)
@@ -100,6 +102,15 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
             return nullptr;
         }
 
+        std::wstring_view key_of(const std::string& key) {
+            wide_key.clear();
+            _internal::append_ustring(key, wide_key);
+            if (!_internal::is_key_form(wide_key)) {
+                wide_key = _internal::tolower(wide_key);
+            }
+            return wide_key;
+        }
+
         bool reads_text(const std::string& type_name) override {
             const known_t* found = handler_for(type_name);
             text_reader = found != nullptr ? found->text_reader : nullptr;
@@ -114,13 +125,11 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
                 return;
             }
             _internal::handler_scope_t scope(*found->handler, &store);
-            read.append(_internal::key_of_name(_internal::to_ustring(key)),
-                        found->handler->load_value(node));
+            read.append(key_of(key), found->handler->load_value(node));
         }
 
         void typed_text(const std::string& key, const std::string& text) override {
-            read.append(_internal::key_of_name(_internal::to_ustring(key)),
-                        text_reader->value_of_text(_internal::to_ustring(text)));
+            read.append(key_of(key), text_reader->value_of_text(_internal::to_ustring(text)));
         }
 
         // The elements an entity's text holds, walked where the reference stands; their keys

@@ -19,13 +19,13 @@ std::uint64_t hash_of(std::wstring_view key) {
 } // namespace
 
 bool is_key_form(std::wstring_view name) {
-    return std::all_of(name.begin(), name.end(), [](wchar_t c) {
-        return static_cast<std::uint32_t>(c) < 0x80 && !(c >= L'A' && c <= L'Z');
-    });
-}
-
-std::wstring key_of_name(std::wstring name) {
-    return is_key_form(name) ? name : _internal::tolower(name);
+    // Without an early exit, so that the compiler can test many characters at once.
+    bool key_form = true;
+    for (const wchar_t c : name) {
+        const auto code = static_cast<std::uint32_t>(c);
+        key_form &= code < 0x80 && code - 'A' >= 26;
+    }
+    return key_form;
 }
 
 value_store_t::value_store_t(const value_store_t& other) {

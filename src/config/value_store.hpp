@@ -15,9 +15,6 @@
 
 namespace velmor2::_internal {
 
-/// `name` as keys are kept: `tolower(name)`.
-std::wstring key_of_name(std::wstring name);
-
 /// True when `name` is ASCII without capitals: its key is the name itself.
 bool is_key_form(std::wstring_view name);
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace velmor2::_internal {
 
@@ -61,6 +62,8 @@ std::string to_utf8(const std::wstring& text);
 std::wstring to_ustring(const char* utf8);
 /// UTF-8 bytes to wide text; invalid sequences become U+FFFD.
 std::wstring to_ustring(const std::string& utf8);
+/// Appends what `to_ustring` gives for `utf8` to `out`.
+void append_ustring(std::string_view utf8, std::wstring& out);
 /// Zero-terminated wide text, unchanged; a null pointer gives the empty string.
 std::wstring to_ustring(const wchar_t* text);
 /// Wide text, unchanged.

@@ -143,16 +143,26 @@ std::string to_utf8(const std::wstring& text) {
 
 std::wstring to_ustring(const std::string& utf8) {
     std::wstring out;
-    out.reserve(utf8.size());
+    append_ustring(utf8, out);
+    return out;
+}
+
+void append_ustring(std::string_view utf8, std::wstring& out) {
+    out.reserve(out.size() + utf8.size());
     const auto* p = reinterpret_cast<const unsigned char*>(utf8.data());
     std::size_t left = utf8.size();
     while (left > 0) {
+        // ASCII runs, most of most text, need no decoding.
+        if (*p < 0x80) {
+            out += static_cast<wchar_t>(*p++);
+            --left;
+            continue;
+        }
         const decoded_t d = decode_utf8(p, left);
         append_wide(out, d.value);
         p += d.length;
         left -= d.length;
     }
-    return out;
 }
 
 std::wstring to_ustring(const char* utf8) {
