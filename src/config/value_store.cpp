@@ -23,7 +23,7 @@ bool is_key_form(std::wstring_view name) {
     bool key_form = true;
     for (const wchar_t c : name) {
         const auto code = static_cast<std::uint32_t>(c);
-        key_form &= code < 0x80 && code - 'A' >= 26;
+        key_form &= (code < 0x80) & (code - 'A' >= 26);
     }
     return key_form;
 }

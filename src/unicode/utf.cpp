@@ -148,21 +148,28 @@ std::wstring to_ustring(const std::string& utf8) {
 }
 
 void append_ustring(std::string_view utf8, std::wstring& out) {
-    out.reserve(out.size() + utf8.size());
+    // A byte gives at most one wide unit (a 4-byte sequence, two UTF-16 units), so the text
+    // is written in place and the string cut to its length after.
+    const std::size_t start = out.size();
+    out.resize(start + utf8.size());
+    wchar_t* to = out.data() + start;
     const auto* p = reinterpret_cast<const unsigned char*>(utf8.data());
-    std::size_t left = utf8.size();
-    while (left > 0) {
-        // ASCII runs, most of most text, need no decoding.
+    const auto* end = p + utf8.size();
+    while (p != end) {
+        // ASCII, most of most text, needs no decoding.
         if (*p < 0x80) {
-            out += static_cast<wchar_t>(*p++);
-            --left;
+            *to++ = static_cast<wchar_t>(*p++);
             continue;
         }
-        const decoded_t d = decode_utf8(p, left);
-        append_wide(out, d.value);
+        const decoded_t d = decode_utf8(p, static_cast<std::size_t>(end - p));
+        if constexpr (wide_is_utf16) {
+            to += encode_utf16(d.value, to);
+        } else {
+            *to++ = static_cast<wchar_t>(d.value);
+        }
         p += d.length;
-        left -= d.length;
     }
+    out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 std::wstring to_ustring(const char* utf8) {
