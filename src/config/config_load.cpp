@@ -79,8 +79,9 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
         std::string type_name;
         /// The handler `reads_text` last said yes for: `typed_text` comes for that element.
         const _internal::text_reader_t* text_reader = nullptr;
-        /// The key of the value being read, in memory reused from value to value.
+        /// The key and text of the value being read, in memory reused from value to value.
         std::wstring wide_key;
+        std::wstring wide_text;
 
         reader_t(advanced_xml_config_t& store, _internal::value_store_t& read,
                  std::vector<_internal::load_failure_t>& failed)
@@ -129,7 +130,9 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
         }
 
         void typed_text(const std::string& key, const std::string& text) override {
-            read.append(key_of(key), text_reader->value_of_text(_internal::to_ustring(text)));
+            wide_text.clear();
+            _internal::append_ustring(text, wide_text);
+            read.append(key_of(key), text_reader->value_of_text(wide_text));
         }
 
         // The elements an entity's text holds, walked where the reference stands; their keys

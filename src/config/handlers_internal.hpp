@@ -45,7 +45,7 @@ class text_reader_t {
   public:
     virtual ~text_reader_t() = default;
     /// What `load_value` returns for an element whose text (references replaced) is `text`.
-    virtual boost::any value_of_text(std::wstring text) const = 0;
+    virtual boost::any value_of_text(std::wstring_view text) const = 0;
 };
 
 /// Text of a scalar for the file.
@@ -58,7 +58,7 @@ template <typename T> std::wstring scalar_text(const T& value) {
 }
 
 /// Reads a scalar from file text; false when the text does not convert.
-template <typename T> bool scalar_value(const std::wstring& text, T& value) {
+template <typename T> bool scalar_value(std::wstring_view text, T& value) {
     if constexpr (std::is_same_v<T, std::wstring>) {
         value = text;
         return true;
@@ -74,11 +74,15 @@ class generic_handler_t : public handler_base_t, public text_writer_t, public te
     explicit generic_handler_t(const std::wstring& type_name) : type_name(type_name) {}
 
     boost::any load_value(xmlNode* element) override {
-        return value_of_text(get_node_content(element));
-    }
-    boost::any value_of_text(std::wstring text) const override {
         if constexpr (std::is_same_v<T, std::wstring>) {
-            return boost::any(std::move(text));
+            return boost::any(get_node_content(element));
+        } else {
+            return value_of_text(get_node_content(element));
+        }
+    }
+    boost::any value_of_text(std::wstring_view text) const override {
+        if constexpr (std::is_same_v<T, std::wstring>) {
+            return boost::any(std::wstring(text));
         } else {
             T value;
             if (!scalar_value(text, value)) {

@@ -11,7 +11,7 @@ namespace {
 // Longest text any supported number takes; longer text cannot convert.
 constexpr std::size_t max_number_text = 64;
 
-bool narrow(const std::wstring& text, char* out, std::size_t& length) {
+bool narrow(std::wstring_view text, char* out, std::size_t& length) {
     if (text.empty() || text.size() > max_number_text) {
         return false;
     }
@@ -28,7 +28,7 @@ bool narrow(const std::wstring& text, char* out, std::size_t& length) {
 
 } // namespace
 
-template <typename T> bool parse_number(const std::wstring& text, T& value) {
+template <typename T> bool parse_number(std::wstring_view text, T& value) {
     char buffer[max_number_text];
     std::size_t length = 0;
     if (!narrow(text, buffer, length)) {
@@ -87,7 +87,7 @@ template <typename T> std::wstring format_number(T value) {
 }
 
 #define VELMOR_NUMBER_TEXT(T)                                                                      \
-    template bool parse_number<T>(const std::wstring&, T&);                                        \
+    template bool parse_number<T>(std::wstring_view, T&);                                          \
     template void append_number<T>(T, std::string&);                                               \
     template std::wstring format_number<T>(T);
 

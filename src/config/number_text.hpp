@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace velmor2::_internal {
 
@@ -13,7 +14,7 @@ namespace velmor2::_internal {
 ///   "42"    => 42          "+7" => 7
 ///   " 1"    => (fails)     "12abc" => (fails)
 ///   "0.5"   => 0.5         "0,5"   => (fails)
-template <typename T> bool parse_number(const std::wstring& text, T& value);
+template <typename T> bool parse_number(std::wstring_view text, T& value);
 
 /// Decimal text of an integer, "0"/"1" for a bool, and for float and double the general
 /// format with six significant digits (`printf("%g")`).
