@@ -47,10 +47,18 @@ bool advanced_xml_config_t::load(const path_t& file) {
     };
     if (read->ascending()) {
         values.swap(read);
-        boost::any none;
+        // Whether anybody listens is asked again only after a hook ran: nothing else of this
+        // thread can connect meanwhile.
+        bool heard = value_changed.connection_count() != 0;
+        const boost::any none;
         for (std::size_t id = 0; id < values->size(); ++id) {
-            report_failures_before(id);
-            announce(values->key(id), none, id);
+            if (failure != failed.end() && failure->position == id) {
+                report_failures_before(id);
+                heard = value_changed.connection_count() != 0;
+            }
+            if (heard) {
+                announce(values->key(id), none, id);
+            }
         }
     } else {
         values->clear();
