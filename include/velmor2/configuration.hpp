@@ -278,8 +278,9 @@ class VELMOR_API advanced_xml_config_t {
     void announce(std::wstring_view key, const boost::any& previous, std::size_t id);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
-    /// The value under the lower-cased `key` in the store or a layer below; null if none.
-    const boost::any* find_value(const std::wstring& key) const;
+    /// The value under the lower-cased `key`, whose hash is `hash`, in the store or a layer
+    /// below; null if none.
+    const boost::any* find_value(const std::wstring& key, std::uint64_t hash) const;
     /// The XML text each value of `of` would be saved as, by key, for comparing values.
     std::map<std::wstring, std::string> saved_texts(const _internal::value_store_t& of) const;
 

@@ -3,6 +3,7 @@
 
 #include "config/handler_scope.hpp"
 #include "config/handlers_internal.hpp"
+#include "config/key_hash.hpp"
 #include "config/node_text.hpp"
 #include "config/value_store.hpp"
 #include "config/xml_stream.hpp"

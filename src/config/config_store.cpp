@@ -2,6 +2,7 @@
 #include <velmor2/configuration.hpp>
 
 #include "config/handlers_internal.hpp"
+#include "config/key_hash.hpp"
 #include "config/store_watch.hpp"
 #include "config/value_store.hpp"
 #include "unicode/convert.hpp"
@@ -9,9 +10,14 @@
 namespace velmor2 {
 namespace {
 
-// Runs `use` on the key of `name`, copying only a name that is not in key form.
+// Runs `use` on the key of `name` and its hash, copying only a name that is not in key form.
 template <typename use_t> auto with_key(const std::wstring& name, use_t use) {
-    return _internal::is_key_form(name) ? use(name) : use(_internal::tolower(name));
+    const _internal::key_hash_t hashed = _internal::hash_key(name);
+    if (hashed.key_form) {
+        return use(name, hashed.hash);
+    }
+    const std::wstring key = _internal::tolower(name);
+    return use(key, _internal::hash_key(key).hash);
 }
 
 } // namespace
@@ -49,8 +55,8 @@ advanced_xml_config_t::~advanced_xml_config_t() {
 boost::any advanced_xml_config_t::get_value(const std::wstring& name,
                                             const boost::any& default_value) {
     values->index();
-    return with_key(name, [&](const std::wstring& key) {
-        const boost::any* found = find_value(key);
+    return with_key(name, [&](const std::wstring& key, std::uint64_t hash) {
+        const boost::any* found = find_value(key, hash);
         return found != nullptr ? *found : default_value;
     });
 }
@@ -80,12 +86,15 @@ void advanced_xml_config_t::announce(std::wstring_view key, const boost::any& pr
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {
-    return with_key(name, [this](const std::wstring& key) { return find_value(key) != nullptr; });
+    return with_key(name, [this](const std::wstring& key, std::uint64_t hash) {
+        return find_value(key, hash) != nullptr;
+    });
 }
 
-const boost::any* advanced_xml_config_t::find_value(const std::wstring& key) const {
+const boost::any* advanced_xml_config_t::find_value(const std::wstring& key,
+                                                     std::uint64_t hash) const {
     for (const advanced_xml_config_t* layer = this; layer != nullptr; layer = layer->lower.get()) {
-        const std::size_t id = layer->values->find(key);
+        const std::size_t id = layer->values->find(key, hash);
         if (id != _internal::value_store_t::none) {
             return &layer->values->value(id);
         }

@@ -1,9 +1,8 @@
 // The flat value store.
 #include "config/value_store.hpp"
-#include "unicode/convert.hpp"
+#include "config/key_hash.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <new>
 
 namespace velmor2::_internal {
@@ -13,20 +12,10 @@ constexpr std::size_t min_slots = 16;
 constexpr std::uint64_t id_mask = 0xFFFFFFFFu;
 
 std::uint64_t hash_of(std::wstring_view key) {
-    return std::hash<std::wstring_view>()(key);
+    return hash_key(key).hash;
 }
 
 } // namespace
-
-bool is_key_form(std::wstring_view name) {
-    // Without an early exit, so that the compiler can test many characters at once.
-    bool key_form = true;
-    for (const wchar_t c : name) {
-        const auto code = static_cast<std::uint32_t>(c);
-        key_form &= (code < 0x80) & (code - 'A' >= 26);
-    }
-    return key_form;
-}
 
 value_store_t::value_store_t(const value_store_t& other) {
     for (std::size_t id = 0; id < other.count; ++id) {
@@ -44,8 +33,12 @@ value_store_t& value_store_t::operator=(const value_store_t& other) {
 }
 
 std::size_t value_store_t::find(std::wstring_view key) const {
+    return find(key, slots.empty() ? 0 : hash_of(key));
+}
+
+std::size_t value_store_t::find(std::wstring_view key, std::uint64_t hash) const {
     if (!slots.empty()) {
-        return find_indexed(key, hash_of(key));
+        return find_indexed(key, hash);
     }
     if (in_key_order) {
         std::size_t low = 0;

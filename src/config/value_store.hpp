@@ -15,9 +15,6 @@
 
 namespace velmor2::_internal {
 
-/// True when `name` is ASCII without capitals: its key is the name itself.
-bool is_key_form(std::wstring_view name);
-
 /// Keys (compared as `std::wstring` compares) and their values, each entry numbered by the
 /// order it was added in. Entry numbers stay until `remove` or `clear`.
 class value_store_t {
@@ -55,6 +52,8 @@ class value_store_t {
 
     /// The entry of `key`, or `none`.
     std::size_t find(std::wstring_view key) const;
+    /// The entry of `key`, whose `hash_key` is `hash`, or `none`.
+    std::size_t find(std::wstring_view key, std::uint64_t hash) const;
 
     /// Stores `value` under `key`: in a store in key order, a key after the last one is added
     /// without a look-up; any other is looked up (indexing the store first). The previous
