@@ -130,8 +130,8 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
         void typed(xmlNode* node, const std::string& key, const std::string& type_name) override {
             const known_t* found = handler_for(type_name);
             if (found == nullptr) {
-                failed.push_back({read.size(), _internal::to_ustring(key),
-                                  _internal::to_ustring(type_name)});
+                failed.push_back(
+                    {read.size(), _internal::to_ustring(key), _internal::to_ustring(type_name)});
                 return;
             }
             _internal::handler_scope_t scope(*found->handler, &store);

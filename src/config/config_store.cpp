@@ -92,7 +92,7 @@ bool advanced_xml_config_t::has_value(const std::wstring& name) const {
 }
 
 const boost::any* advanced_xml_config_t::find_value(const std::wstring& key,
-                                                     std::uint64_t hash) const {
+                                                    std::uint64_t hash) const {
     for (const advanced_xml_config_t* layer = this; layer != nullptr; layer = layer->lower.get()) {
         const std::size_t id = layer->values->find(key, hash);
         if (id != _internal::value_store_t::none) {

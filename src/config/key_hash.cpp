@@ -53,8 +53,8 @@ const seeds_t& seeds() {
     static const seeds_t value = [] {
         const int local = 0;
         const auto place = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&local));
-        const auto now = static_cast<std::uint64_t>(
-            std::chrono::steady_clock::now().time_since_epoch().count());
+        const auto now =
+            static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
         const std::uint64_t seed = fold(place ^ secrets[0], now ^ secrets[1]);
         return seeds_t{seed, fold(seed ^ secrets[2], secrets[3]),
                        fold(seed ^ secrets[3], secrets[0])};

@@ -114,15 +114,17 @@ void value_store_t::add(std::wstring_view key, boost::any&& value, bool after_la
         entry_blocks.push_back(std::make_unique<entry_t[]>(entry_block_size));
     }
     wchar_t* text = key_room;
-    if (key.size() > key_block_size / 4) {
+    if (key.size() > last_key_block / 4) {
         // A long key gets a block of its own; the room of the last block stays.
         key_blocks.push_back(std::make_unique<wchar_t[]>(key.size()));
         text = key_blocks.back().get();
     } else {
         if (key.size() > key_room_size) {
-            key_blocks.push_back(std::make_unique<wchar_t[]>(key_block_size));
+            const std::size_t size = std::max(
+                key.size(), std::clamp(2 * key_block_size, first_key_block, last_key_block));
+            key_blocks.push_back(std::make_unique<wchar_t[]>(size));
             key_room = key_blocks.back().get();
-            key_room_size = key_block_size;
+            key_room_size = key_block_size = size;
         }
         text = key_room;
         key_room += key.size();

@@ -94,10 +94,12 @@ class value_store_t {
     };
     // Entries and keys live in blocks that never move and stay below the size the allocator
     // maps afresh from the system: a store grows without copying and, dropped, leaves memory
-    // the next one reuses.
-    static constexpr std::size_t entry_block_bits = 10;
+    // the next one reuses. Key blocks start small and double, so that a small store stays
+    // small.
+    static constexpr std::size_t entry_block_bits = 8;
     static constexpr std::size_t entry_block_size = std::size_t(1) << entry_block_bits;
-    static constexpr std::size_t key_block_size = 8192;
+    static constexpr std::size_t first_key_block = 256;
+    static constexpr std::size_t last_key_block = 8192;
 
     entry_t& entry(std::size_t id) {
         return entry_blocks[id >> entry_block_bits][id & (entry_block_size - 1)];
@@ -116,9 +118,11 @@ class value_store_t {
     std::vector<std::unique_ptr<entry_t[]>> entry_blocks;
     std::size_t count = 0;
     std::vector<std::unique_ptr<wchar_t[]>> key_blocks;
-    // The unused end of the last key block that is not a long key's own.
+    // The unused end of the last key block that is not a long key's own, and that block's
+    // size.
     wchar_t* key_room = nullptr;
     std::size_t key_room_size = 0;
+    std::size_t key_block_size = 0;
     bool in_key_order = true;
     // Open addressing with linear probing, at most half full: a slot holds the key's hash in
     // its high half and the entry number plus one in its low half, zero when free. Empty until

@@ -1,7 +1,6 @@
 // UTF-8, UTF-16 and UTF-32 coding shared by every conversion of the library.
 #include "unicode/convert.hpp"
 
-
 namespace velmor2::_internal {
 namespace {
 
@@ -180,7 +179,9 @@ std::wstring to_ustring(const wchar_t* text) {
     return text == nullptr ? std::wstring() : std::wstring(text);
 }
 
-std::wstring to_ustring(const std::wstring& text) { return text; }
+std::wstring to_ustring(const std::wstring& text) {
+    return text;
+}
 
 std::wstring to_ustring(const char16_t* utf16) {
     if (utf16 == nullptr) {

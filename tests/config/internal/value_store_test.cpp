@@ -27,8 +27,8 @@ void expect_same(const value_store_t& store, const reference_t& reference) {
 }
 
 std::wstring random_key(std::mt19937& random) {
-    static const std::wstring pieces[] = {L"a",       L"b",         L"key10",
-                                          L"key9",    L"",          std::wstring(L"n\0l", 3),
+    static const std::wstring pieces[] = {L"a",       L"b",          L"key10",
+                                          L"key9",    L"",           std::wstring(L"n\0l", 3),
                                           L"\u00e9t", L"\U0001F600", std::wstring(9000, L'x')};
     std::wstring key;
     for (int piece = 0, count = 1 + static_cast<int>(random() % 3); piece < count; ++piece) {
