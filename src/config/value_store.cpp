@@ -2,6 +2,8 @@
 #include "config/value_store.hpp"
 #include "config/key_hash.hpp"
 
+#include <boost/iterator/counting_iterator.hpp>
+
 #include <algorithm>
 #include <new>
 
@@ -41,16 +43,10 @@ std::size_t value_store_t::find(std::wstring_view key, std::uint64_t hash) const
         return find_indexed(key, hash);
     }
     if (in_key_order) {
-        std::size_t low = 0;
-        std::size_t high = count;
-        while (low < high) {
-            const std::size_t middle = low + (high - low) / 2;
-            if (this->key(middle) < key) {
-                low = middle + 1;
-            } else {
-                high = middle;
-            }
-        }
+        const std::size_t low = *std::lower_bound(
+            boost::counting_iterator<std::size_t>(0), boost::counting_iterator<std::size_t>(count),
+            key,
+            [this](std::size_t id, std::wstring_view sought) { return this->key(id) < sought; });
         return low < count && this->key(low) == key ? low : none;
     }
     for (std::size_t id = 0; id < count; ++id) {

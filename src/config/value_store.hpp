@@ -1,7 +1,7 @@
-// The values of a store, kept flat: the keys' text in one block, the entries in one array and a
-// hash index of entry numbers. A store of many keys costs a few allocations besides its values,
-// keys made in order are read back in memory order, and a look-up touches one slot and then
-// the entry. Figures: docs/performance.md, "Configuration store".
+// The values of a store, kept flat: the keys' text and the entries in blocks that never move,
+// and a hash index of entry numbers. A store of many keys costs few allocations besides its
+// values, keys made in order are read back in memory order, and a look-up touches one slot and
+// then the entry. Figures: docs/performance.md, "Configuration store".
 #pragma once
 
 #include <boost/any.hpp>

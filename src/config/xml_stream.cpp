@@ -73,8 +73,9 @@ class stream_t {
     bool text_only = false;
     std::string type_name;
     std::string text;
-    /// Bytes of the run of text being read in an element that is not built: libxml2 refuses
-    /// a text node of more than `XML_MAX_TEXT_LENGTH` bytes, and so does the stream.
+    /// Bytes of the run of text being read in an element that is not built, or outside values:
+    /// libxml2 refuses a text node of more than `XML_MAX_TEXT_LENGTH` bytes, and so does the
+    /// stream.
     std::size_t run = 0;
     bool too_long = false;
     /// The key of the innermost open element outside typed ones, and where each open element's
@@ -143,6 +144,7 @@ class stream_t {
             return;
         }
         bool as_text = false;
+        stream->run = 0;
         stream->guarded([&] {
             if (!stream->budget) {
                 stream->budget.emplace(stream->context->myDoc);
@@ -193,6 +195,7 @@ class stream_t {
         }
         const bool typed = stream->typed_depth == 1;
         stream->typed_depth = 0;
+        stream->run = 0;
         stream->guarded([&] {
             if (typed && stream->text_only) {
                 stream->visitor.typed_text(stream->key, stream->text);
@@ -240,9 +243,24 @@ class stream_t {
         return text_only;
     }
 
+    // Text outside values (the indentation between elements, mostly) is never read: it is
+    // held to the limit on a text node as building it would be, and dropped.
+    bool passed_over(int length) {
+        if (typed_depth != 0) {
+            return false;
+        }
+        run += static_cast<std::size_t>(length);
+        if (run > XML_MAX_TEXT_LENGTH) {
+            too_long = true;
+            xmlStopParser(context);
+        }
+        return true;
+    }
+
     static void characters(void* context, const xmlChar* characters, int length) {
         stream_t* stream = own(context);
-        if (stream == nullptr || !stream->took_text(characters, length, false)) {
+        if (stream == nullptr ||
+            !(stream->took_text(characters, length, false) || stream->passed_over(length))) {
             xmlSAX2Characters(context, characters, length);
         }
     }
@@ -250,6 +268,10 @@ class stream_t {
     static void cdata(void* context, const xmlChar* characters, int length) {
         stream_t* stream = own(context);
         if (stream == nullptr || !stream->took_text(characters, length, true)) {
+            // A node of its own: text after it starts a new run.
+            if (stream != nullptr) {
+                stream->run = 0;
+            }
             xmlSAX2CDataBlock(context, characters, length);
         }
     }
@@ -272,6 +294,9 @@ class stream_t {
         stream_t* stream = own(context);
         if (stream != nullptr && stream->text_only) {
             return;
+        }
+        if (stream != nullptr) {
+            stream->run = 0;
         }
         xmlSAX2Reference(context, name);
         xmlNode* parent = static_cast<xmlParserCtxt*>(context)->node;

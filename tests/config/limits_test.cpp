@@ -84,14 +84,22 @@ TEST(config_limits, values_at_the_parser_limits_load_back_and_past_them_are_repo
     EXPECT_TRUE(loaded.get_value(L"s1", 0).type() == typeid(std::wstring));
 
     // Written by hand, a text past the limit fails the load, with a document type or without,
-    // also inside an element of the value.
+    // inside a value, inside an element of the value and outside values; two texts apart
+    // each count alone.
     const std::string past(10000001, 'x');
+    const std::string half(6000000, ' ');
+    const std::string value = "<s type=\"int\">1</s>";
     for (const char* prolog : {"", "<!DOCTYPE root>"}) {
-        for (const std::string& text : {past, "<i>" + past + "</i>"}) {
+        for (const auto& [body, loads] :
+             {std::pair{"<s type=\"string\">" + past + "</s>", false},
+              {"<s type=\"string\"><i>" + past + "</i></s>", false},
+              {"<g>" + past + value + "</g>", false},
+              {value + past, false},
+              {half + value + half + "<g>" + half + "</g>", true},
+              {half + "<![CDATA[c]]>" + half + "<!--c-->" + half, true}}) {
             SCOPED_TRACE(prolog);
-            dir.write("h.xml",
-                      std::string(prolog) + "<root><s type=\"string\">" + text + "</s></root>");
-            EXPECT_FALSE(loaded.load(dir.path("h.xml")));
+            dir.write("h.xml", std::string(prolog) + "<root>" + body + "</root>");
+            EXPECT_EQ(loaded.load(dir.path("h.xml")), loads);
         }
     }
 }
