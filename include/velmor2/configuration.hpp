@@ -275,7 +275,7 @@ class VELMOR_API advanced_xml_config_t {
     /// `set_value` with the key already lower-cased.
     void put_value(const std::wstring& key, boost::any value);
     /// Fires `value_changed` for the entry `id`, unless nobody listens.
-    void announce(std::wstring_view key, const boost::any& previous, std::size_t id);
+    void announce(const std::wstring& key, const boost::any& previous, std::size_t id);
     handler_base_t* handler_for_name(const std::wstring& type_name) const;
     handler_base_t* handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key`, whose hash is `hash`, in the store or a layer

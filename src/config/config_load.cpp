@@ -52,13 +52,14 @@ bool advanced_xml_config_t::load(const path_t& file) {
         // thread can connect meanwhile.
         bool heard = value_changed.connection_count() != 0;
         const boost::any none;
-        for (std::size_t id = 0; id < values->size(); ++id) {
+        // Only what was read: a listener may add values, announced as they are set.
+        for (std::size_t id = 0; id < count && id < values->size(); ++id) {
             if (failure != failed.end() && failure->position == id) {
                 report_failures_before(id);
                 heard = value_changed.connection_count() != 0;
             }
             if (heard) {
-                announce(values->key(id), none, id);
+                announce(std::wstring(values->key(id)), none, id);
             }
         }
     } else {

@@ -75,14 +75,13 @@ void advanced_xml_config_t::put_value(const std::wstring& key, boost::any value)
     announce(key, previous, id);
 }
 
-void advanced_xml_config_t::announce(std::wstring_view key, const boost::any& previous,
+void advanced_xml_config_t::announce(const std::wstring& key, const boost::any& previous,
                                      std::size_t id) {
-    if (value_changed.connection_count() == 0) {
-        return;
+    // Entries never move while the store grows, so a listener that sets values does not pull
+    // the value from under the others.
+    if (value_changed.connection_count() != 0) {
+        value_changed(key, previous, values->value(id));
     }
-    // Copies: a listener may change the store, which moves its entries.
-    const boost::any now = values->value(id);
-    value_changed(std::wstring(key), previous, now);
 }
 
 bool advanced_xml_config_t::has_value(const std::wstring& name) const {

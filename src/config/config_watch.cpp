@@ -127,7 +127,7 @@ std::size_t advanced_xml_config_t::reload_changes() {
         if (on_disk.values->find(key) == _internal::value_store_t::none &&
             own != _internal::value_store_t::none) {
             removed_ids.push_back(own);
-            removed.emplace_back(key, std::move(values->value(own)));
+            removed.emplace_back(key, values->value(own));
         }
     }
     if (!removed.empty()) {

@@ -188,10 +188,11 @@ void value_store_t::remove(const std::vector<std::size_t>& ids) {
     for (const std::size_t id : ids) {
         removed[id] = true;
     }
+    // Copied, not moved: running out of memory leaves the store as it was.
     value_store_t kept;
     for (std::size_t id = 0; id < count; ++id) {
         if (!removed[id]) {
-            kept.append(key(id), std::move(value(id)));
+            kept.append(key(id), boost::any(value(id)));
         }
     }
     if (!slots.empty()) {

@@ -171,6 +171,34 @@ TEST(config_store, keys_ignore_case_and_every_set_notifies_copies_too) {
     EXPECT_EQ(watcher.changes.size(), 5u);
 }
 
+TEST(config_store, a_load_in_key_order_reports_in_file_order_to_listeners_that_change_it) {
+    // Hook and listener write to one log; the listener adds keys, past the store's blocks.
+    struct logging_t : advanced_xml_config_t, velmor2::_internal::subscriber_base_t {
+        std::vector<std::wstring> log;
+        void on_change(const std::wstring& key, const boost::any&, const boost::any& value) {
+            log.push_back(key + L"=" + std::to_wstring(boost::any_cast<int>(value)));
+            for (int n = 0; n < 300 && key.size() == 1; ++n) {
+                set_value(key + L".added" + std::to_wstring(n), n);
+            }
+        }
+        void on_load_value_failed(const std::wstring& name, const std::wstring&) override {
+            log.push_back(name + L"?");
+        }
+    };
+    temp_tree_t dir;
+    dir.write("f.xml", "<root><a type=\"int\">1</a><b type=\"no\">2</b><c type=\"int\">3</c>"
+                       "<d type=\"no\">4</d></root>");
+    logging_t store;
+    store.value_changed.connect(&store, &logging_t::on_change);
+    ASSERT_TRUE(store.load(dir.path("f.xml")));
+    ASSERT_EQ(store.log.size(), 604u);
+    EXPECT_EQ(store.log[0], L"a=1");
+    EXPECT_EQ(store.log[301], L"b?");
+    EXPECT_EQ(store.log[302], L"c=3");
+    EXPECT_EQ(store.log[603], L"d?");
+    EXPECT_EQ(get<int>(store, L"c.added299"), 299);
+}
+
 TEST(config_store, hand_written_values_that_do_not_convert_load_empty) {
     temp_tree_t dir;
     // `value` is TYPE">TEXT, the type and the text of a value element.
