@@ -276,8 +276,10 @@ class VELMOR_API advanced_xml_config_t {
     void put_value(const std::wstring& key, boost::any value);
     /// Fires `value_changed` for the entry `id`, unless nobody listens.
     void announce(const std::wstring& key, const boost::any& previous, std::size_t id);
-    handler_base_t* handler_for_name(const std::wstring& type_name) const;
-    handler_base_t* handler_for_type(const std::type_info& type) const;
+    /// The first handler of `type_name`, shared; empty when none serves it.
+    smart_pointer_t<handler_base_t> handler_for_name(const std::wstring& type_name) const;
+    /// The first handler of the held type `type`, shared; empty when none serves it.
+    smart_pointer_t<handler_base_t> handler_for_type(const std::type_info& type) const;
     /// The value under the lower-cased `key`, whose hash is `hash`, in the store or a layer
     /// below; null if none.
     const boost::any* find_value(const std::wstring& key, std::uint64_t hash) const;

@@ -102,15 +102,13 @@ bool advanced_xml_config_t::read_file(const path_t& file, _internal::value_store
             if (found != known.end()) {
                 return &found->second;
             }
-            const std::wstring wide = _internal::to_ustring(type_name);
-            for (const smart_pointer_t<handler_base_t>& handler : store.handlers) {
-                if (handler && handler->get_type_name() == wide) {
-                    const auto* text_reader =
-                        dynamic_cast<const _internal::text_reader_t*>(handler.get());
-                    return &known.emplace(type_name, known_t{handler, text_reader}).first->second;
-                }
+            const smart_pointer_t<handler_base_t> handler =
+                store.handler_for_name(_internal::to_ustring(type_name));
+            if (!handler) {
+                return nullptr;
             }
-            return nullptr;
+            const auto* text_reader = dynamic_cast<const _internal::text_reader_t*>(handler.get());
+            return &known.emplace(type_name, known_t{handler, text_reader}).first->second;
         }
 
         std::wstring_view key_of(const std::string& key) {

@@ -85,19 +85,14 @@ bool advanced_xml_config_t::save(const path_t& file) {
         }
         auto handler = known.find(value.type());
         if (handler == known.end()) {
-            handler_base_t* found = handler_for_type(value.type());
-            if (found == nullptr) {
+            const smart_pointer_t<handler_base_t> found = handler_for_type(value.type());
+            if (!found) {
                 failed(key, value);
                 return;
             }
-            for (const smart_pointer_t<handler_base_t>& owned : handlers) {
-                if (owned.get() == found) {
-                    writer_t writer{owned, _internal::to_utf8(found->get_type_name()),
-                                    dynamic_cast<const _internal::text_writer_t*>(found)};
-                    handler = known.emplace(value.type(), writer).first;
-                    break;
-                }
-            }
+            writer_t writer{found, _internal::to_utf8(found->get_type_name()),
+                            dynamic_cast<const _internal::text_writer_t*>(found.get())};
+            handler = known.emplace(value.type(), writer).first;
         }
         const writer_t& writer = handler->second;
         if (writer.text_writer != nullptr) {

@@ -7,6 +7,8 @@
 #include "config/value_store.hpp"
 #include "unicode/convert.hpp"
 
+#include <algorithm>
+
 namespace velmor2 {
 namespace {
 
@@ -18,6 +20,16 @@ template <typename use_t> auto with_key(const std::wstring& name, use_t use) {
     }
     const std::wstring key = _internal::tolower(name);
     return use(key, _internal::hash_key(key).hash);
+}
+
+// The first handler `match` accepts, shared; empty when none does.
+template <typename match_t>
+smart_pointer_t<handler_base_t>
+first_handler(const std::list<smart_pointer_t<handler_base_t>>& handlers, match_t match) {
+    const auto found = std::find_if(handlers.begin(), handlers.end(), [&](const auto& handler) {
+        return handler && match(*handler);
+    });
+    return found != handlers.end() ? *found : smart_pointer_t<handler_base_t>();
 }
 
 } // namespace
@@ -130,22 +142,17 @@ void advanced_xml_config_t::on_load_value_failed(const std::wstring&, const std:
 
 void advanced_xml_config_t::on_save_value_failed(const std::wstring&, const std::type_info&) {}
 
-handler_base_t* advanced_xml_config_t::handler_for_name(const std::wstring& type_name) const {
-    for (const smart_pointer_t<handler_base_t>& handler : handlers) {
-        if (handler && handler->get_type_name() == type_name) {
-            return handler.get();
-        }
-    }
-    return nullptr;
+smart_pointer_t<handler_base_t>
+advanced_xml_config_t::handler_for_name(const std::wstring& type_name) const {
+    return first_handler(handlers, [&](const handler_base_t& handler) {
+        return handler.get_type_name() == type_name;
+    });
 }
 
-handler_base_t* advanced_xml_config_t::handler_for_type(const std::type_info& type) const {
-    for (const smart_pointer_t<handler_base_t>& handler : handlers) {
-        if (handler && handler->get_type_info() == type) {
-            return handler.get();
-        }
-    }
-    return nullptr;
+smart_pointer_t<handler_base_t>
+advanced_xml_config_t::handler_for_type(const std::type_info& type) const {
+    return first_handler(
+        handlers, [&](const handler_base_t& handler) { return handler.get_type_info() == type; });
 }
 
 } // namespace velmor2

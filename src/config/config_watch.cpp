@@ -39,8 +39,8 @@ advanced_xml_config_t::saved_texts(const _internal::value_store_t& of) const {
     for (std::size_t id = 0; id < of.size(); ++id) {
         const boost::any& value = of.value(id);
         std::string& text = texts[std::wstring(of.key(id))];
-        handler_base_t* handler = handler_for_type(value.type());
-        if (value.empty() || handler == nullptr) {
+        const smart_pointer_t<handler_base_t> handler = handler_for_type(value.type());
+        if (value.empty() || !handler) {
             // Values without a handler compare by type alone.
             text = value.type().name();
             continue;

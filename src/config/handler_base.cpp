@@ -113,8 +113,8 @@ boost::any handler_base_t::get_any_property(xmlNode* node, const std::wstring& n
     if (nodes.empty() || parent == nullptr) {
         return boost::any();
     }
-    handler_base_t* handler = parent->handler_for_name(type_name);
-    return handler != nullptr ? handler->load_value(nodes.front()) : boost::any();
+    const smart_pointer_t<handler_base_t> handler = parent->handler_for_name(type_name);
+    return handler ? handler->load_value(nodes.front()) : boost::any();
 }
 
 bool handler_base_t::set_any_property(xmlNode* node, const std::wstring& name,
@@ -125,8 +125,10 @@ bool handler_base_t::set_any_property(xmlNode* node, const std::wstring& name,
     const std::vector<xmlNode*> nodes = select(node, name);
     xmlNode* target = !nodes.empty() ? nodes.front()
                                      : xmlNewChild(node, nullptr, xml_text(to_utf8(name)), nullptr);
-    handler_base_t* handler = parent != nullptr ? parent->handler_for_type(value.type()) : nullptr;
-    if (handler == nullptr || target == nullptr) {
+    const smart_pointer_t<handler_base_t> handler = parent != nullptr
+                                                        ? parent->handler_for_type(value.type())
+                                                        : smart_pointer_t<handler_base_t>();
+    if (!handler || target == nullptr) {
         return false;
     }
     handler->save_value(value, target);
