@@ -227,11 +227,12 @@ class stream_t {
             return false;
         }
         const auto size = static_cast<std::size_t>(length);
-        run = cdata ? 0 : run + size;
-        if (run > XML_MAX_TEXT_LENGTH) {
-            too_long = true;
-            xmlStopParser(context);
-        } else if (typed_depth == 1) {
+        if (cdata) {
+            run = 0;
+        } else if (!within_run(size)) {
+            return true;
+        }
+        if (typed_depth == 1) {
             guarded([&] { text.append(reinterpret_cast<const char*>(characters), size); });
         }
         return true;
@@ -249,12 +250,20 @@ class stream_t {
         if (typed_depth != 0) {
             return false;
         }
-        run += static_cast<std::size_t>(length);
-        if (run > XML_MAX_TEXT_LENGTH) {
-            too_long = true;
-            xmlStopParser(context);
-        }
+        within_run(static_cast<std::size_t>(length));
         return true;
+    }
+
+    // Adds `size` bytes to the run of text; false, and the parse stopped, past libxml2's
+    // limit on a text node.
+    bool within_run(std::size_t size) {
+        run += size;
+        if (run <= XML_MAX_TEXT_LENGTH) {
+            return true;
+        }
+        too_long = true;
+        xmlStopParser(context);
+        return false;
     }
 
     static void characters(void* context, const xmlChar* characters, int length) {
