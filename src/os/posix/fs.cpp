@@ -333,19 +333,9 @@ bool directory_t::copy_file(const native_name_t& name, const directory_t& target
 }
 
 bool directory_t::copy_link(const native_name_t& name, const directory_t& target) const {
-    std::vector<char> buffer(256);
-    for (;;) {
-        const ssize_t length =
-            fs_calls().readlinkat(state_->fd.get(), name.c_str(), buffer.data(), buffer.size());
-        if (length < 0) {
-            return false;
-        }
-        if (static_cast<std::size_t>(length) < buffer.size()) {
-            const std::string to(buffer.data(), static_cast<std::size_t>(length));
-            return fs_calls().symlinkat(to.c_str(), target.state_->fd.get(), name.c_str()) == 0;
-        }
-        buffer.resize(buffer.size() * 2);
-    }
+    std::string to;
+    return read_link_at(state_->fd.get(), name.c_str(), to) &&
+           fs_calls().symlinkat(to.c_str(), target.state_->fd.get(), name.c_str()) == 0;
 }
 
 } // namespace velmor2::_internal::os

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
+#include <vector>
 
 namespace velmor2::_internal::os {
 namespace {
@@ -90,6 +91,21 @@ bool write_all(int fd, const void* bytes, std::size_t size) {
         size -= static_cast<std::size_t>(written);
     }
     return true;
+}
+
+bool read_link_at(int dir, const char* name, std::string& target) {
+    std::vector<char> buffer(256);
+    for (;;) {
+        const ssize_t length = fs_calls().readlinkat(dir, name, buffer.data(), buffer.size());
+        if (length < 0) {
+            return false;
+        }
+        if (static_cast<std::size_t>(length) < buffer.size()) {
+            target.assign(buffer.data(), static_cast<std::size_t>(length));
+            return true;
+        }
+        buffer.resize(buffer.size() * 2);
+    }
 }
 
 } // namespace velmor2::_internal::os

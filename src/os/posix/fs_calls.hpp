@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <string>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
@@ -71,5 +72,9 @@ const fs_calls_t& real_fs_calls();
 /// Writes all `size` bytes to `fd` through the table, retrying interrupted writes; false on
 /// any other failure.
 bool write_all(int fd, const void* data, std::size_t size);
+
+/// The target of the link `name` in the folder `dir` (`AT_FDCWD`: the working folder), read
+/// through the table whatever its length; false (errno set) when it cannot be read.
+bool read_link_at(int dir, const char* name, std::string& target);
 
 } // namespace velmor2::_internal::os

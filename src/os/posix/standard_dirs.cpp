@@ -134,20 +134,6 @@ std::wstring resolved(const std::string& name) {
     return out;
 }
 
-std::string read_link(const char* link) {
-    std::vector<char> buffer(256);
-    for (;;) {
-        const ssize_t length = fs_calls().readlinkat(AT_FDCWD, link, buffer.data(), buffer.size());
-        if (length < 0) {
-            return {};
-        }
-        if (static_cast<std::size_t>(length) < buffer.size()) {
-            return std::string(buffer.data(), static_cast<std::size_t>(length));
-        }
-        buffer.resize(buffer.size() * 2);
-    }
-}
-
 } // namespace
 
 std::wstring get_folder(folder_t folder) {
@@ -176,7 +162,8 @@ bool create_folder_tree(const std::wstring& text) {
 }
 
 std::wstring get_executable_file() {
-    return to_ustring(read_link("/proc/self/exe"));
+    std::string target;
+    return read_link_at(AT_FDCWD, "/proc/self/exe", target) ? to_ustring(target) : std::wstring();
 }
 
 std::wstring get_module_file(const void* address) {
